@@ -1,0 +1,26 @@
+# Stelvane.dll: the driver that ships.
+set(product_rooms base at modem sensor driver)
+set(product_sources)
+foreach(room IN LISTS product_rooms)
+  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${room}/*.cpp)
+  list(APPEND product_sources ${sources})
+endforeach()
+include(cmake/Trace.cmake)
+
+if(product_sources)
+  # The objects are shared with the unit tests; the DLL adds the export list.
+  add_library(product_objects OBJECT ${product_sources})
+  target_link_libraries(product_objects PUBLIC stelvane_settings trace_headers)
+  target_compile_options(product_objects PRIVATE -Os -ffunction-sections -fdata-sections)
+
+  add_library(Stelvane SHARED $<TARGET_OBJECTS:product_objects> driver/Stelvane.def)
+  set_target_properties(Stelvane PROPERTIES
+    PREFIX "" LINKER_LANGUAGE CXX RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
+  target_link_options(Stelvane PRIVATE
+    -static -s -Wl,--gc-sections -Wl,--nxcompat -Wl,--dynamicbase -Wl,--enable-stdcall-fixup
+    -Wl,--no-insert-timestamp -Wl,--exclude-all-symbols)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+    target_link_options(Stelvane PRIVATE -Wl,--high-entropy-va)
+  endif()
+  target_link_libraries(Stelvane PRIVATE advapi32 setupapi ole32 oleaut32)
+endif()

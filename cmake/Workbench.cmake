@@ -1,0 +1,24 @@
+# The workbench: what stands in for Windows and the modem. One static library a room, so that a
+# test of one room builds without the others.
+set(bench_rooms clock framework sensorapi modem imports record rig)
+set(bench_libraries)
+foreach(room IN LISTS bench_rooms)
+  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/workbench/${room}/*.cpp)
+  if(sources)
+    add_library(bench_${room} STATIC ${sources})
+    target_link_libraries(bench_${room} PUBLIC stelvane_settings)
+    list(APPEND bench_libraries bench_${room})
+  endif()
+endforeach()
+add_library(bench_all INTERFACE)
+target_link_libraries(bench_all INTERFACE
+  -static -Wl,--start-group ${bench_libraries} -Wl,--end-group
+  advapi32 setupapi ole32 oleaut32 uuid)
+
+file(GLOB workbench_main CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/workbench/*.cpp)
+if(workbench_main)
+  add_executable(workbench ${workbench_main})
+  target_link_libraries(workbench PRIVATE stelvane_settings bench_all)
+  set_target_properties(workbench PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
+  add_dependencies(workbench Stelvane)
+endif()
