@@ -1,0 +1,79 @@
+// What a driver called, in order, and which of its calls are planned to fail.
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include "workbench/clock/Clock.h"
+
+namespace bench {
+
+struct CallEntry {
+  std::string object;  // the callee's name, for example "request 3"
+  std::string call;    // "Interface::Method", by the interface that declares the method
+  HRESULT result = S_OK;
+  std::thread::id thread;
+  Millis time = 0;
+};
+
+/// Shared by everything that a driver calls. All methods from any thread; no lock is held while the
+/// hook runs.
+class CallRecord {
+ public:
+  explicit CallRecord(const Clock& clock) : clock_(clock) {}
+
+  /// Plans a failure of the nth call (from 1, counted from now on) of that name. Calls that return
+  /// no HRESULT fail in their own way: a null pointer, FALSE, or nothing done.
+  /// QueryInterface goes by "IUnknown::QueryInterface(<interface>)".
+  void FailCall(std::string_view call, int nth, HRESULT result, bool andAllAfter = false);
+  void ClearFaults();
+
+  /// Runs at the start of every call, on the caller's thread, which may hold locks of the driver:
+  /// anything that waits for the driver belongs on a thread of its own.
+  using Hook = std::function<void(const CallEntry& entry)>;
+  void SetHook(Hook hook);
+
+  std::vector<CallEntry> Calls() const;
+  std::size_t Count(std::string_view call) const;
+
+  /// For the callee: notes the call, runs the hook and says whether the call is to fail.
+  struct Begun {
+    std::size_t index = 0;
+    std::optional<HRESULT> fault;
+  };
+  Begun Begin(std::string_view object, std::string_view call);
+  void End(const Begun& begun, HRESULT result);
+
+  /// A whole call of a callee: the planned failure, or what `body` returns.
+  template <class Body>
+  HRESULT Run(std::string_view object, std::string_view call, Body body) {
+    const Begun begun = Begin(object, call);
+    const HRESULT result = begun.fault ? *begun.fault : body();
+    End(begun, result);
+    return result;
+  }
+
+ private:
+  struct Fault {
+    std::string call;
+    int remaining;  // calls until it fails, this one included
+    HRESULT result;
+    bool andAllAfter;
+  };
+
+  const Clock& clock_;
+  mutable std::mutex mutex_;
+  std::vector<CallEntry> entries_;
+  std::vector<Fault> faults_;
+  Hook hook_;
+};
+
+}  // namespace bench
