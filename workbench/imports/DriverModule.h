@@ -1,0 +1,57 @@
+// The driver DLL, loaded as the framework host loads it.
+#pragma once
+
+#include <windows.h>
+
+#include <filesystem>
+#include <vector>
+
+#include "workbench/imports/ImportTable.h"
+
+namespace bench {
+
+class Redirector;
+
+/// The framework version that a driver says it was built against.
+struct VersionRecord {
+  ULONG major;
+  ULONG minor;
+  ULONG service;
+};
+
+/// Holds a driver DLL loaded. With a redirector, its imports are replaced before its DllMain runs.
+class DriverModule {
+ public:
+  /// Loads the DLL; the redirector, if given, must outlive the module. Throws std::runtime_error
+  /// with one line for a person if the file is missing, is loaded already, refuses to load or lacks
+  /// one of the three exports of a driver.
+  explicit DriverModule(const std::filesystem::path& path, Redirector* redirector = nullptr);
+  DriverModule(const DriverModule&) = delete;
+  DriverModule& operator=(const DriverModule&) = delete;
+  ~DriverModule();
+
+  /// The export DllGetClassObject.
+  HRESULT GetClassObject(REFCLSID classId, REFIID interfaceId, void** object) const {
+    return getClassObject_(classId, interfaceId, object);
+  }
+  /// The export DllCanUnloadNow.
+  HRESULT CanUnloadNow() const { return canUnloadNow_(); }
+  const VersionRecord& Version() const { return *version_; }
+  HMODULE Base() const { return module_; }
+  /// An export by name, or null.
+  FARPROC Export(const char* name) const { return GetProcAddress(module_, name); }
+  /// What the DLL imports, by name.
+  const std::vector<ImportedFunction>& Imports() const { return imports_; }
+
+ private:
+  void Unload();
+
+  HMODULE module_ = nullptr;
+  Redirector* redirector_;
+  HRESULT(STDAPICALLTYPE* getClassObject_)(REFCLSID, REFIID, void**) = nullptr;
+  HRESULT(STDAPICALLTYPE* canUnloadNow_)() = nullptr;
+  const VersionRecord* version_ = nullptr;
+  std::vector<ImportedFunction> imports_;
+};
+
+}  // namespace bench
