@@ -15,7 +15,9 @@ function(add_trace_catalogues target tmf_dir)
     file(RELATIVE_PATH place ${PROJECT_SOURCE_DIR} ${catalogue})
     list(APPEND headers ${PROJECT_BINARY_DIR}/trace/${place}.h)
     string(REGEX REPLACE "\\.trace$" ".cpp" source ${catalogue})
-    list(APPEND sources ${source})
+    if(EXISTS ${source})
+      list(APPEND sources ${source})
+    endif()
   endforeach()
   add_custom_command(
     OUTPUT ${headers}
@@ -36,3 +38,19 @@ endforeach()
 if(trace_catalogues)
   add_trace_catalogues(trace_files ${PROJECT_BINARY_DIR}/tmf ${trace_catalogues})
 endif()
+# The tests' own messages; their format files are kept apart from the product's.
+add_trace_catalogues(trace_test_files ${PROJECT_BINARY_DIR}/tests/tmf
+  ${PROJECT_SOURCE_DIR}/tests/unit/trace/TraceTest.trace)
+
+add_test(NAME tracegen COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tools/tracegen_test.py)
+add_test(NAME trace_numbers
+  COMMAND ${Python3_EXECUTABLE} ${tracegen}
+    --check-numbers ${PROJECT_SOURCE_DIR}/tests/trace_numbers.txt ${trace_catalogues})
+set(trace_tests tracegen trace_numbers)
+if(WIN32 AND product_sources)
+  add_test(NAME trace_texts_absent
+    COMMAND ${Python3_EXECUTABLE} ${tracegen}
+      --check-absent $<TARGET_FILE:Stelvane> ${trace_catalogues})
+  list(APPEND trace_tests trace_texts_absent)
+endif()
+set_tests_properties(${trace_tests} PROPERTIES LABELS trace)

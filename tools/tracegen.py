@@ -327,6 +327,22 @@ def update_numbers(catalogues, path):
             file.write(f"{guid} {number} {types}".rstrip() + "\n")
 
 
+def check_absent(catalogues, program):
+    """A text that says something, so has a blank in it, must be in the format files only."""
+    content = program.read_bytes()
+    mistakes = []
+    for catalogue in catalogues:
+        for message in catalogue.messages:
+            for part in INSERT.split(message.text)[::2]:
+                part = part.strip(" ,:;.()")
+                if " " in part and any(part.encode(coding) in content
+                                       for coding in ("ascii", "utf-16-le")):
+                    mistakes.append(f"{catalogue.path}:{message.line}: the text '{part}' is in "
+                                    f"{program.name}")
+    if mistakes:
+        raise Mistakes("\n".join(mistakes))
+
+
 def main(arguments):
     parser = argparse.ArgumentParser(description=__doc__,
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
@@ -338,7 +354,9 @@ def main(arguments):
                         help="fail if a listed number vanished or changed, or one is not listed")
     parser.add_argument("--update-numbers", type=pathlib.Path, metavar="LIST",
                         help="append the numbers that are new")
-    parser.add_argument("catalogues", nargs="+", metavar="CATALOGUE")
+    parser.add_argument("--check-absent", type=pathlib.Path, metavar="PROGRAM",
+                        help="fail if the program contains a message text")
+    parser.add_argument("catalogues", nargs="*", metavar="CATALOGUE")
     options = parser.parse_args(arguments)
     if (options.header_dir is None) != (options.tmf_dir is None):
         parser.error("--header-dir and --tmf-dir go together")
@@ -350,6 +368,8 @@ def main(arguments):
             check_numbers(catalogues, options.check_numbers)
         if options.update_numbers:
             update_numbers(catalogues, options.update_numbers)
+        if options.check_absent:
+            check_absent(catalogues, options.check_absent)
     except Mistakes as mistakes:
         print(mistakes, file=sys.stderr)
         return 1
