@@ -1,0 +1,152 @@
+// The slots that the driver calls in interfaces which the compiler's own headers declare.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/unit/platform/DomRecorders.h"
+#include "tests/unit/platform/PortableDeviceRecorders.h"
+
+namespace platform_test {
+
+namespace {
+
+// Of the portable-device containers every slot; of the document object model those in use and the
+// last of each interface.
+const Vtable kTables[] = {
+    {"IPortableDeviceValues",
+     "",
+     MakeObject<PortableDeviceValuesRecorder<>>,
+     {{0, "QueryInterface"},
+      {1, "AddRef"},
+      {2, "Release"},
+      {3, "GetCount"},
+      {4, "GetAt"},
+      {5, "SetValue"},
+      {6, "GetValue"},
+      {7, "SetStringValue"},
+      {8, "GetStringValue"},
+      {9, "SetUnsignedIntegerValue"},
+      {10, "GetUnsignedIntegerValue"},
+      {11, "SetSignedIntegerValue"},
+      {12, "GetSignedIntegerValue"},
+      {13, "SetUnsignedLargeIntegerValue"},
+      {14, "GetUnsignedLargeIntegerValue"},
+      {15, "SetSignedLargeIntegerValue"},
+      {16, "GetSignedLargeIntegerValue"},
+      {17, "SetFloatValue"},
+      {18, "GetFloatValue"},
+      {19, "SetErrorValue"},
+      {20, "GetErrorValue"},
+      {21, "SetKeyValue"},
+      {22, "GetKeyValue"},
+      {23, "SetBoolValue"},
+      {24, "GetBoolValue"},
+      {25, "SetIUnknownValue"},
+      {26, "GetIUnknownValue"},
+      {27, "SetGuidValue"},
+      {28, "GetGuidValue"},
+      {29, "SetBufferValue"},
+      {30, "GetBufferValue"},
+      {31, "SetIPortableDeviceValuesValue"},
+      {32, "GetIPortableDeviceValuesValue"},
+      {33, "SetIPortableDevicePropVariantCollectionValue"},
+      {34, "GetIPortableDevicePropVariantCollectionValue"},
+      {35, "SetIPortableDeviceKeyCollectionValue"},
+      {36, "GetIPortableDeviceKeyCollectionValue"},
+      {37, "SetIPortableDeviceValuesCollectionValue"},
+      {38, "GetIPortableDeviceValuesCollectionValue"},
+      {39, "RemoveValue"},
+      {40, "CopyValuesFromPropertyStore"},
+      {41, "CopyValuesToPropertyStore"},
+      {42, "Clear"}}},
+    {"IPortableDeviceKeyCollection",
+     "",
+     MakeObject<PortableDeviceKeyCollectionRecorder<>>,
+     {{0, "QueryInterface"},
+      {1, "AddRef"},
+      {2, "Release"},
+      {3, "GetCount"},
+      {4, "GetAt"},
+      {5, "Add"},
+      {6, "Clear"},
+      {7, "RemoveAt"}}},
+    {"IPortableDevicePropVariantCollection",
+     "",
+     MakeObject<PortableDevicePropVariantCollectionRecorder<>>,
+     {{0, "QueryInterface"},
+      {1, "AddRef"},
+      {2, "Release"},
+      {3, "GetCount"},
+      {4, "GetAt"},
+      {5, "Add"},
+      {6, "GetType"},
+      {7, "ChangeType"},
+      {8, "Clear"},
+      {9, "RemoveAt"}}},
+    {"IPortableDeviceValuesCollection",
+     "",
+     MakeObject<PortableDeviceValuesCollectionRecorder<>>,
+     {{0, "QueryInterface"},
+      {1, "AddRef"},
+      {2, "Release"},
+      {3, "GetCount"},
+      {4, "GetAt"},
+      {5, "Add"},
+      {6, "Clear"},
+      {7, "RemoveAt"}}},
+    {"IXMLDOMNode",
+     "",
+     MakeObject<XMLDOMNodeRecorder<>>,
+     {{7, "get_nodeName"},
+      {12, "get_childNodes"},
+      {26, "get_text"},
+      {34, "get_xml"},
+      {36, "selectNodes"},
+      {37, "selectSingleNode"},
+      {41, "get_baseName"},
+      {42, "transformNodeToObject"}}},
+    {"IXMLDOMNodeList",
+     "",
+     MakeObject<XMLDOMNodeListRecorder<>>,
+     {{9, "nextNode"}, {11, "get__newEnum"}}},
+    {"IXMLDOMParseError",
+     "",
+     MakeObject<XMLDOMParseErrorRecorder<>>,
+     {{7, "get_errorCode"}, {13, "get_filepos"}}},
+    {"IXMLDOMDocument",
+     "",
+     MakeObject<XMLDOMDocumentRecorder<>>,
+     {{58, "load"},
+      {60, "get_parseError"},
+      {63, "put_async"},
+      {68, "put_validateOnParse"},
+      {70, "put_resolveExternals"},
+      {75, "put_ontransformnode"}}},
+    {"IXMLDOMDocument2",
+     "",
+     MakeObject<XMLDOMDocument2Recorder<>>,
+     {{12, "get_childNodes"},
+      {36, "selectNodes"},
+      {37, "selectSingleNode"},
+      {58, "load"},
+      {60, "get_parseError"},
+      {63, "put_async"},
+      {68, "put_validateOnParse"},
+      {70, "put_resolveExternals"},
+      {80, "setProperty"},
+      {81, "getProperty"}}},
+};
+
+class MingwVtable : public testing::TestWithParam<Vtable> {};
+
+TEST_P(MingwVtable, NumberedSlotIsTheMethodThatTheTableNames) {
+  for (const Slot& slot : GetParam().slots) {
+    EXPECT_EQ(CallSlot(GetParam().object(), slot.index), slot.method) << "slot " << slot.index;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Interfaces, MingwVtable, testing::ValuesIn(kTables),
+                         [](const auto& suite) { return std::string(suite.param.interfaceName); });
+
+}  // namespace
+}  // namespace platform_test
