@@ -10,7 +10,7 @@ namespace {
 class LocationReportForms : public testing::TestWithParam<FormFields> {};
 
 INSTANTIATE_TEST_SUITE_P(All, LocationReportForms, testing::ValuesIn(kFormFields),
-                         [](const auto& info) { return std::to_string(info.param.form); });
+                         [](const auto& form) { return std::to_string(form.param.form); });
 
 double NumberOrAbsent(unsigned fieldNumber) {
   return fieldNumber == 0 ? kAbsent : fieldNumber;
