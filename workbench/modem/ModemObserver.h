@@ -11,9 +11,10 @@ namespace bench {
 
 /// A fix that the modem reported.
 struct SentFix {
-  Millis at = 0;                // when its report left the modem
+  Millis at = 0;                // when its report was written
   std::uint32_t requestId = 0;  // the location request that it answers
   bool single = false;          // of a single-fix request
+  bool straggler = false;       // sent although the request had been stopped
   GnssFix fix;                  // as reported: rounded, and without what the form does not carry
 };
 
@@ -26,7 +27,7 @@ class ModemObserver {
   virtual void OnCommand(Millis at, std::string_view line) {}
   /// The modem is about to hand `bytes` to the port: one call per chunk.
   virtual void OnAnswer(Millis at, std::string_view bytes) {}
-  /// A report was handed to the port.
+  /// A report is about to be handed to the port, before its bytes.
   virtual void OnFixSent(const SentFix& sent) {}
 };
 

@@ -40,7 +40,8 @@ struct ModemSnapshot {
   std::size_t commands = 0;                         // lines received, retries counted
   std::map<std::string, std::size_t> commandLines;  // the same by their text
   std::size_t errorsSent = 0;                       // answers that were "ERROR"
-  std::size_t fixesSent = 0;
+  std::size_t fixesSent = 0;                        // stragglers included
+  std::size_t stragglersSent = 0;
   std::size_t fixErrorsSent = 0;  // requests told that there is no fix
   std::optional<SentFix> lastFix;
   std::size_t restarts = 0;

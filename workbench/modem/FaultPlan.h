@@ -1,0 +1,24 @@
+// Which command the modem spoils next, and how.
+#pragma once
+
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "workbench/modem/ModemFaults.h"
+
+namespace bench {
+
+/// Used under the modem's lock.
+class FaultPlan {
+ public:
+  void Add(std::vector<CommandFault> reactions);
+
+  /// The reaction to this command, which uses up one of its count.
+  std::optional<CommandFault> Take(std::string_view line);
+
+ private:
+  std::vector<CommandFault> reactions_;
+};
+
+}  // namespace bench
