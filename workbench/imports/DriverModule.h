@@ -6,18 +6,12 @@
 #include <filesystem>
 #include <vector>
 
+#include "platform/WdfTypes.h"
 #include "workbench/imports/ImportTable.h"
 
 namespace bench {
 
 class Redirector;
-
-/// The framework version that a driver says it was built against.
-struct VersionRecord {
-  ULONG major;
-  ULONG minor;
-  ULONG service;
-};
 
 /// Holds a driver DLL loaded. With a redirector, its imports are replaced before its DllMain runs.
 class DriverModule {
@@ -36,7 +30,7 @@ class DriverModule {
   }
   /// The export DllCanUnloadNow.
   HRESULT CanUnloadNow() const { return canUnloadNow_(); }
-  const VersionRecord& Version() const { return *version_; }
+  const UMDF_VERSION_DATA& Version() const { return *version_; }
   HMODULE Base() const { return module_; }
   /// An export by name, or null.
   FARPROC Export(const char* name) const { return GetProcAddress(module_, name); }
@@ -50,7 +44,7 @@ class DriverModule {
   Redirector* redirector_;
   HRESULT(STDAPICALLTYPE* getClassObject_)(REFCLSID, REFIID, void**) = nullptr;
   HRESULT(STDAPICALLTYPE* canUnloadNow_)() = nullptr;
-  const VersionRecord* version_ = nullptr;
+  const UMDF_VERSION_DATA* version_ = nullptr;
   std::vector<ImportedFunction> imports_;
 };
 

@@ -31,8 +31,6 @@ class ImportTable {
 
   /// Puts back every pointer that was there first.
   void Restore();
-  /// Drops what was replaced, without writing: the module is gone.
-  void Forget();
 
  private:
   struct Entry {

@@ -1,8 +1,9 @@
 // The installed devices that the driver DLL looks up through SetupAPI.
 #pragma once
 
-#include <setupapi.h>
 #include <windows.h>
+
+#include <setupapi.h>
 
 #include <cstdint>
 #include <map>

@@ -28,8 +28,6 @@ class TimeSteering {
   void SetStartUtc(const SYSTEMTIME& utc);
   /// The tick count, in milliseconds since the system's start, that the run starts with.
   void SetStartTicks(std::uint64_t milliseconds) { startTicks_ = milliseconds; }
-  /// To be called after setting an event that the DLL may wait for, other than through the DLL.
-  void Notify() { clock_.Notify(); }
 
   std::uint64_t Ticks() const { return startTicks_ + static_cast<std::uint64_t>(clock_.Now()); }
   FILETIME Utc() const;
@@ -37,14 +35,15 @@ class TimeSteering {
   std::int64_t Counter() const { return clock_.Now() * (kCounterFrequency / 1000); }
   static constexpr std::int64_t kCounterFrequency = 10'000'000;
 
-  /// As Sleep; 0 is a Yield.
+  /// As Sleep; 0 is a GiveWay.
   void Sleep(DWORD milliseconds);
   /// Lets others run: waits until anything changes, at most one millisecond of the clock, so that
   /// a loop of it cannot hold virtual time up.
-  void Yield();
+  void GiveWay();
   /// As WaitForMultipleObjects.
   DWORD Wait(DWORD count, const HANDLE* handles, bool all, DWORD milliseconds);
-  /// To be called when a handle that threads may wait for was signalled.
+  /// To be called when a handle that threads of the DLL may wait for was signalled; needless only
+  /// for the DLL's own calls.
   void Signalled();
 
   /// Takes a lock: `take` tries it without blocking; `lock` identifies it.
@@ -57,11 +56,13 @@ class TimeSteering {
     if (lockWaiters_ != 0) WakeLockWaiters(lock);
   }
 
-  /// As CreateThread, the thread being a participant of the clock from before it starts; a
-  /// suspended one from its creation, so resume it without waiting.
-  /// `ended` is called on the thread when its procedure has returned.
+  /// As CreateThread, the thread being a participant of the clock from its creation on, also while
+  /// it is suspended. `created` is called before the thread runs, `ended` on the thread when its
+  /// procedure has returned.
   HANDLE StartThread(SECURITY_ATTRIBUTES* attributes, SIZE_T stack, LPTHREAD_START_ROUTINE body,
-                     void* argument, DWORD flags, DWORD* id, std::function<void(DWORD)> ended);
+                     void* argument, DWORD flags, DWORD* id,
+                     const std::function<void(HANDLE, DWORD)>& created,
+                     std::function<void(DWORD)> ended);
   /// To be called before a handle is closed.
   void Closing(HANDLE handle);
 
@@ -72,8 +73,9 @@ class TimeSteering {
     int waiters = 0;
   };
   struct Start;
-  struct HandleSet;
+  class HandleSet;
 
+  Millis Deadline(DWORD milliseconds) const;
   void AcquireContended(const void* lock, const std::function<bool()>& take);
   void WakeLockWaiters(const void* lock);
   HandleSet Resolve(DWORD count, const HANDLE* handles, bool all);

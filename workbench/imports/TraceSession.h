@@ -1,9 +1,11 @@
 // A listener for the driver DLL's event tracing.
 #pragma once
 
-#include <evntrace.h>
 #include <windows.h>
+
 #include <wmistr.h>
+
+#include <evntrace.h>
 
 #include <atomic>
 #include <cstdarg>

@@ -1,0 +1,136 @@
+// Clocks, sleeps, waits and locks.
+#include "workbench/imports/Hooks.h"
+
+namespace bench {
+
+namespace {
+
+TimeSteering& Time() {
+  return Redirector::Current().Time();
+}
+
+ULONGLONG TickCount64() {
+  return Time().Ticks();
+}
+DWORD TickCount() {
+  return static_cast<DWORD>(Time().Ticks());
+}
+
+void SystemTime(SYSTEMTIME* time) {
+  const FILETIME utc = Time().Utc();
+  FileTimeToSystemTime(&utc, time);
+}
+
+void FileTime(FILETIME* time) {
+  *time = Time().Utc();
+}
+
+BOOL Counter(LARGE_INTEGER* counter) {
+  counter->QuadPart = Time().Counter();
+  return TRUE;
+}
+
+BOOL CounterFrequency(LARGE_INTEGER* frequency) {
+  frequency->QuadPart = TimeSteering::kCounterFrequency;
+  return TRUE;
+}
+
+void SleepOn(DWORD milliseconds) {
+  Time().Sleep(milliseconds);
+}
+
+DWORD SleepOnEx(DWORD milliseconds, BOOL alertable) {
+  Time().Sleep(milliseconds);
+  return 0;
+}
+
+BOOL Switch() {
+  Time().GiveWay();
+  return TRUE;
+}
+
+DWORD WaitOne(HANDLE handle, DWORD milliseconds) {
+  return Time().Wait(1, &handle, false, milliseconds);
+}
+
+DWORD WaitOneEx(HANDLE handle, DWORD milliseconds, BOOL alertable) {
+  return Time().Wait(1, &handle, false, milliseconds);
+}
+
+DWORD WaitMany(DWORD count, const HANDLE* handles, BOOL all, DWORD milliseconds) {
+  return Time().Wait(count, handles, all != FALSE, milliseconds);
+}
+
+DWORD WaitManyEx(DWORD count, const HANDLE* handles, BOOL all, DWORD milliseconds, BOOL alertable) {
+  return Time().Wait(count, handles, all != FALSE, milliseconds);
+}
+
+BOOL Set(HANDLE event) {
+  const BOOL done = SetEvent(event);
+  Time().Signalled();
+  return done;
+}
+
+BOOL Release(HANDLE semaphore, LONG count, LONG* previous) {
+  const BOOL done = ReleaseSemaphore(semaphore, count, previous);
+  Time().Signalled();
+  return done;
+}
+
+void EnterSection(CRITICAL_SECTION* section) {
+  Time().Acquire(section, [section] { return TryEnterCriticalSection(section) != FALSE; });
+}
+
+BOOL TryEnterSection(CRITICAL_SECTION* section) {
+  return TryEnterCriticalSection(section);
+}
+
+void LeaveSection(CRITICAL_SECTION* section) {
+  LeaveCriticalSection(section);
+  Time().Released(section);
+}
+
+void AcquireSlim(SRWLOCK* lock) {
+  Time().Acquire(lock, [lock] { return TryAcquireSRWLockExclusive(lock) != FALSE; });
+}
+
+BOOLEAN TryAcquireSlim(SRWLOCK* lock) {
+  return TryAcquireSRWLockExclusive(lock);
+}
+
+void ReleaseSlim(SRWLOCK* lock) {
+  ReleaseSRWLockExclusive(lock);
+  Time().Released(lock);
+}
+
+}  // namespace
+
+std::span<const Hook> TimeHooks() {
+  static const Hook kHooks[] = {
+      Redirect<ImportIndex("GetTickCount64"), &TickCount64>(),
+      Redirect<ImportIndex("GetTickCount"), &TickCount>(),
+      Redirect<ImportIndex("GetSystemTime"), &SystemTime>(),
+      Redirect<ImportIndex("GetSystemTimeAsFileTime"), &FileTime>(),
+      Redirect<ImportIndex("GetSystemTimePreciseAsFileTime"), &FileTime>(),
+      Redirect<ImportIndex("QueryPerformanceCounter"), &Counter>(),
+      Redirect<ImportIndex("QueryPerformanceFrequency"), &CounterFrequency>(),
+      Redirect<ImportIndex("Sleep"), &SleepOn>(),
+      Redirect<ImportIndex("SleepEx"), &SleepOnEx>(),
+      Redirect<ImportIndex("SwitchToThread"), &Switch>(),
+      Redirect<ImportIndex("WaitForSingleObject"), &WaitOne>(),
+      Redirect<ImportIndex("WaitForSingleObjectEx"), &WaitOneEx>(),
+      Redirect<ImportIndex("WaitForMultipleObjects"), &WaitMany>(),
+      Redirect<ImportIndex("WaitForMultipleObjectsEx"), &WaitManyEx>(),
+      Redirect<ImportIndex("SetEvent"), &Set>(),
+      Redirect<ImportIndex("ReleaseSemaphore"), &Release>(),
+      Redirect<ImportIndex("EnterCriticalSection"), &EnterSection>(),
+      Redirect<ImportIndex("TryEnterCriticalSection"), &TryEnterSection>(),
+      Redirect<ImportIndex("LeaveCriticalSection"), &LeaveSection>(),
+      Redirect<ImportIndex("AcquireSRWLockExclusive"), &AcquireSlim>(),
+      Redirect<ImportIndex("TryAcquireSRWLockExclusive"), &TryAcquireSlim>(),
+      Redirect<ImportIndex("ReleaseSRWLockExclusive"), &ReleaseSlim>(),
+  };
+  return kHooks;
+}
+
+}  // namespace bench
