@@ -31,7 +31,7 @@ HRESULT NoThrow(const Body& body) {
 template <class Interface>
 class ApiObject : public FxUnknown<Interface> {
  protected:
-  ApiObject(World& world, std::string_view kind, std::string_view interfaceName)
+  ApiObject(const World& world, std::string_view kind, std::string_view interfaceName)
       : FxUnknown<Interface>(world, kind), prefix_(std::string(interfaceName) + "::") {}
 
   template <class Body>
@@ -49,7 +49,7 @@ class ApiObject : public FxUnknown<Interface> {
 
 /// A new object that lives as long as it is referenced.
 template <class Object, class... Arguments>
-ComPtr<Object> MakeApiObject(World& world, Arguments&&... arguments) {
+ComPtr<Object> MakeApiObject(const World& world, Arguments&&... arguments) {
   Object& object = Make<Object>(world, nullptr, std::forward<Arguments>(arguments)...);
   ComPtr<Object> counted(&object);
   object.Orphan();
@@ -58,7 +58,7 @@ ComPtr<Object> MakeApiObject(World& world, Arguments&&... arguments) {
 
 /// The living object of ours behind an interface pointer; null when there is none.
 template <class Object>
-Object* OwnObject(World& world, const void* interfacePointer) {
+Object* OwnObject(const World& world, const void* interfacePointer) {
   auto* const object = dynamic_cast<Object*>(world.ledger.Find(interfacePointer));
   return object != nullptr && object->IsUsable() ? object : nullptr;
 }

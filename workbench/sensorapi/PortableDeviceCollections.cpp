@@ -15,7 +15,7 @@ HRESULT RemoveIndex(std::vector<Item>* items, DWORD index) {
 
 }  // namespace
 
-PortableDeviceKeyCollection::PortableDeviceKeyCollection(World& world,
+PortableDeviceKeyCollection::PortableDeviceKeyCollection(const World& world,
                                                          std::vector<PROPERTYKEY> keys)
     : ApiObject(world, "PortableDeviceKeyCollection", "IPortableDeviceKeyCollection"),
       keys_(std::move(keys)) {}
@@ -72,8 +72,13 @@ HRESULT STDMETHODCALLTYPE PortableDeviceKeyCollection::RemoveAt(DWORD index) {
   });
 }
 
-PortableDeviceValuesCollection::PortableDeviceValuesCollection(World& world)
+PortableDeviceValuesCollection::PortableDeviceValuesCollection(const World& world)
     : ApiObject(world, "PortableDeviceValuesCollection", "IPortableDeviceValuesCollection") {}
+
+// What a leaked list still holds may be gone already: the ledger's objects end in any order.
+PortableDeviceValuesCollection::~PortableDeviceValuesCollection() {
+  for (ComPtr<IPortableDeviceValues>& set : sets_) static_cast<void>(set.Detach());
+}
 
 void PortableDeviceValuesCollection::OnDestroyed() {
   TakeAll();
@@ -135,7 +140,7 @@ HRESULT STDMETHODCALLTYPE PortableDeviceValuesCollection::RemoveAt(DWORD index) 
   });
 }
 
-HRESULT ReadKeys(World& world, IPortableDeviceKeyCollection& keys,
+HRESULT ReadKeys(const World& world, IPortableDeviceKeyCollection& keys,
                  std::vector<PROPERTYKEY>* content) {
   if (const auto* own = OwnObject<PortableDeviceKeyCollection>(world, &keys)) {
     *content = own->Content();
@@ -152,7 +157,7 @@ HRESULT ReadKeys(World& world, IPortableDeviceKeyCollection& keys,
   return result;
 }
 
-HRESULT ReadValueSets(World& world, IPortableDeviceValuesCollection& sets,
+HRESULT ReadValueSets(const World& world, IPortableDeviceValuesCollection& sets,
                       std::vector<KeyValues>* content) {
   content->clear();
   std::vector<ComPtr<IPortableDeviceValues>> found;

@@ -13,7 +13,7 @@ namespace bench {
 /// May be called from any thread; an index beyond the end gives E_INVALIDARG.
 class PortableDeviceKeyCollection final : public ApiObject<IPortableDeviceKeyCollection> {
  public:
-  explicit PortableDeviceKeyCollection(World& world, std::vector<PROPERTYKEY> keys = {});
+  explicit PortableDeviceKeyCollection(const World& world, std::vector<PROPERTYKEY> keys = {});
 
   /// A copy of the keys; not a call of the interface.
   std::vector<PROPERTYKEY> Content() const;
@@ -34,7 +34,8 @@ class PortableDeviceKeyCollection final : public ApiObject<IPortableDeviceKeyCol
 /// Holds a reference to each value set that is added, and hands out the same object.
 class PortableDeviceValuesCollection final : public ApiObject<IPortableDeviceValuesCollection> {
  public:
-  explicit PortableDeviceValuesCollection(World& world);
+  explicit PortableDeviceValuesCollection(const World& world);
+  ~PortableDeviceValuesCollection() override;
 
   /// The value sets; not a call of the interface.
   std::vector<ComPtr<IPortableDeviceValues>> Content() const;
@@ -56,9 +57,9 @@ class PortableDeviceValuesCollection final : public ApiObject<IPortableDeviceVal
 };
 
 /// As ReadValues.
-HRESULT ReadKeys(World& world, IPortableDeviceKeyCollection& keys,
+HRESULT ReadKeys(const World& world, IPortableDeviceKeyCollection& keys,
                  std::vector<PROPERTYKEY>* content);
-HRESULT ReadValueSets(World& world, IPortableDeviceValuesCollection& sets,
+HRESULT ReadValueSets(const World& world, IPortableDeviceValuesCollection& sets,
                       std::vector<KeyValues>* content);
 
 }  // namespace bench

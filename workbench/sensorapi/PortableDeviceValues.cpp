@@ -13,9 +13,16 @@ auto FindKey(auto& values, const PROPERTYKEY& key) {
 
 }  // namespace
 
-PortableDeviceValues::PortableDeviceValues(World& world, KeyValues values)
+PortableDeviceValues::PortableDeviceValues(const World& world, KeyValues values)
     : ApiObject(world, "PortableDeviceValues", "IPortableDeviceValues"),
       values_(std::move(values)) {}
+
+// Objects that a leaked set still holds may be gone already: the ledger's objects end in any order.
+PortableDeviceValues::~PortableDeviceValues() {
+  for (KeyValue& each : values_) {
+    if (each.value.Type() == VT_UNKNOWN) static_cast<void>(each.value.Detach());
+  }
+}
 
 void PortableDeviceValues::OnDestroyed() {
   TakeAll();
@@ -143,7 +150,7 @@ HRESULT STDMETHODCALLTYPE PortableDeviceValues::Clear() {
   });
 }
 
-HRESULT ReadValues(World& world, IPortableDeviceValues& values, KeyValues* content) {
+HRESULT ReadValues(const World& world, IPortableDeviceValues& values, KeyValues* content) {
   if (const auto* own = OwnObject<PortableDeviceValues>(world, &values)) {
     *content = own->Content();
     return S_OK;

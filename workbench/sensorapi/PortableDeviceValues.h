@@ -23,7 +23,8 @@ using KeyValues = std::vector<KeyValue>;
 /// beyond the end E_INVALIDARG.
 class PortableDeviceValues final : public ApiObject<IPortableDeviceValues> {
  public:
-  explicit PortableDeviceValues(World& world, KeyValues values = {});
+  explicit PortableDeviceValues(const World& world, KeyValues values = {});
+  ~PortableDeviceValues() override;
 
   /// A copy of the content. Not a call of the interface: neither recorded nor made to fail.
   KeyValues Content() const;
@@ -102,7 +103,7 @@ class PortableDeviceValues final : public ApiObject<IPortableDeviceValues> {
 
 /// The content of any implementation: of one of ours without a call of its interface, so that
 /// only the driver's calls are recorded; of another through the interface.
-HRESULT ReadValues(World& world, IPortableDeviceValues& values, KeyValues* content);
+HRESULT ReadValues(const World& world, IPortableDeviceValues& values, KeyValues* content);
 
 /// The value of `key`, or null.
 const Variant* FindValue(const KeyValues& values, const PROPERTYKEY& key);
