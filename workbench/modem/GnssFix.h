@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,6 +13,7 @@ namespace bench {
 using Utc = std::chrono::sys_time<std::chrono::milliseconds>;
 
 enum class Constellation { kGps, kGlonass, kGalileo, kBeidou, kQzss };
+inline constexpr std::size_t kConstellations = 5;
 
 /// A satellite in view. What the receiver does not know is empty.
 struct Satellite {

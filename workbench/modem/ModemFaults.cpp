@@ -4,11 +4,10 @@
 #include <array>
 #include <cctype>
 #include <cmath>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <utility>
 
+#include "workbench/modem/TextFile.h"
 #include "workbench/modem/TextNumber.h"
 
 namespace bench {
@@ -231,10 +230,9 @@ Outcome<ModemFaults> ParseFaults(std::string_view script, const std::string& nam
 }
 
 Outcome<ModemFaults> LoadFaults(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  const std::string script((std::istreambuf_iterator<char>(file)), {});
-  if (!file.is_open() || file.bad()) return Failure<ModemFaults>(path + ": cannot be read");
-  return ParseFaults(script, path);
+  auto script = ReadFile(path);
+  if (!script) return Failure<ModemFaults>(std::move(script.error));
+  return ParseFaults(*script, path);
 }
 
 bool CommandMatches(std::string_view line, std::string_view pattern) {

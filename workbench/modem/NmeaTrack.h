@@ -11,6 +11,8 @@
 
 namespace bench {
 
+struct NmeaEpoch;
+
 /// What reading a log came to.
 struct NmeaLogSummary {
   std::size_t lines = 0;         // not counting empty ones
@@ -48,6 +50,8 @@ class NmeaTrack final : public TrackSource {
   };
 
   NmeaTrack() = default;
+
+  void ReadEpochs(const std::vector<NmeaEpoch>& epochs);
 
   std::vector<Epoch> epochs_;
   Millis pace_ = 1000;  // the most usual time between epochs

@@ -1,0 +1,29 @@
+#include "workbench/modem/TextFile.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+namespace bench {
+
+Outcome<std::string> ReadFile(const std::string& path) {
+  const auto why = [&path] {
+    return Failure<std::string>(path + ": cannot be read: " + std::strerror(errno));
+  };
+  struct Closer {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+  };
+  const std::unique_ptr<std::FILE, Closer> file(std::fopen(path.c_str(), "rb"));
+  if (!file) return why();
+  std::string text;
+  std::array<char, 1 << 16> block;
+  while (const std::size_t count = std::fread(block.data(), 1, block.size(), file.get())) {
+    text.append(block.data(), count);
+  }
+  if (std::ferror(file.get()) != 0) return why();
+  return {.value = std::move(text), .error = {}};
+}
+
+}  // namespace bench
