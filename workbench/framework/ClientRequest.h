@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <mutex>
 #include <string>
 
 #include "workbench/clock/Clock.h"
@@ -19,7 +20,7 @@ class ClientRequest {
 
   explicit ClientRequest(std::shared_ptr<Outcome> outcome) : outcome_(std::move(outcome)) {}
 
-  /// Blocks until the request is completed or `timeout` milliseconds went by; returns whether it is
+  /// Blocks until the request is over or `timeout` milliseconds went by; returns whether it is
   /// completed.
   bool Wait(Millis timeout = kForever) const;
   bool IsCompleted() const;
@@ -34,6 +35,25 @@ class ClientRequest {
 
  private:
   std::shared_ptr<Outcome> outcome_;
+};
+
+class ClientRequest::Outcome {
+ public:
+  explicit Outcome(Clock& clock) : clock_(clock) {}
+
+  void Complete(HRESULT status, std::size_t information, std::string output);
+  void Abandon();
+
+ private:
+  friend class ClientRequest;
+  enum class State { kOpen, kCompleted, kAbandoned };
+
+  Clock& clock_;
+  mutable std::mutex mutex_;
+  State state_ = State::kOpen;
+  HRESULT status_ = E_PENDING;
+  std::size_t information_ = 0;
+  std::string output_;
 };
 
 }  // namespace bench

@@ -19,13 +19,13 @@ namespace bench {
 /// use is a violation. All methods from any thread.
 class FxBase {
  public:
-  FxBase(World& world, std::string_view kind);
+  FxBase(const World& world, std::string_view kind);
   virtual ~FxBase() = default;
   FxBase(const FxBase&) = delete;
   FxBase& operator=(const FxBase&) = delete;
 
   const std::string& name() const { return name_; }
-  World& world() const { return world_; }
+  const World& world() const { return world_; }
   ULONG References() const;
   bool IsUsable() const;
 
@@ -46,16 +46,29 @@ class FxBase {
 
   /// Stops what runs on the object's behalf, before anything of the subtree is marked as deleted.
   virtual void Quiesce() {}
-  /// Called once at the object's end in the tree: to let go of the driver's callback objects.
+  /// Called once at the object's end in the tree: the driver's own clean-up callbacks, and then
+  /// letting go of its callback objects.
+  virtual void CallCleanups() {}
   virtual void OnDeleted() {}
   /// Called once when nothing holds the object any more: to free what it contains.
   virtual void OnDestroyed() {}
   /// The rule that a call on the dead object breaks.
   virtual std::string_view BrokenBy(std::string_view) const { return afterwards_; }
-  /// Deleted with its parent; others are only orphaned.
-  virtual bool DiesWithParent() const { return true; }
 
   void Report(std::string_view rule, std::string_view what) const;
+  /// The object behind an interface pointer that the driver passed; a pointer to anything else is
+  /// reported and gives null, and so is an object that was deleted.
+  template <class Object>
+  Object* FindObject(const void* interfacePointer) const {
+    auto* const found = dynamic_cast<Object*>(world_.ledger.Find(interfacePointer));
+    if (found == nullptr) {
+      Report(rule::kForeignObject, "argument");
+    } else if (!found->IsUsable()) {
+      Report(rule::kDeletedObject, "argument " + found->name());
+      return nullptr;
+    }
+    return found;
+  }
   /// A method that the driver under test has no business calling.
   HRESULT Unexpected(std::string_view call);
 
@@ -91,11 +104,11 @@ class FxBase {
   };
 
   Entered Enter(std::string_view call);
-  void CollectSubtree(std::vector<FxBase*>& childrenFirst, bool onlyDying);
+  void CollectSubtree(std::vector<FxBase*>& childrenFirst);
   void LeaveTree();
-  bool DestroyIfUnheld();
+  bool BecomesDestroyed();
 
-  World& world_;
+  const World world_;
   const std::string name_;
   // Guarded by the ledger's object lock.
   State state_ = State::kLive;
@@ -106,14 +119,14 @@ class FxBase {
   std::vector<FxBase*> children_;
 
   template <class Object, class... Args>
-  friend Object& Make(World& world, FxBase* parent, Args&&... args);
+  friend Object& Make(const World& world, FxBase* parent, Args&&... args);
   void EnterTree(FxBase* parent);
 };
 
 /// Makes an object in the tree below `parent` (null: at the root). Its first reference is still to
 /// be handed out.
 template <class Object, class... Args>
-Object& Make(World& world, FxBase* parent, Args&&... args) {
+Object& Make(const World& world, FxBase* parent, Args&&... args) {
   auto owned = std::make_unique<Object>(world, std::forward<Args>(args)...);
   Object& object = *owned;
   world.ledger.Adopt(std::move(owned));

@@ -1,6 +1,7 @@
 // The COM face of a simulated object: identity, counting and the methods of IWDFObject.
 #pragma once
 
+#include "base/ComPtr.h"
 #include "platform/WdfCallbacks.h"
 #include "platform/WdfObject.h"
 #include "workbench/framework/FxBase.h"
@@ -60,7 +61,7 @@ enum class DeletedBy { kDriver, kFramework };
 template <class Primary, class... Extras>
 class FxObject : public FxUnknown<Primary, Extras...> {
  public:
-  FxObject(World& world, std::string_view kind, DeletedBy deletedBy)
+  FxObject(const World& world, std::string_view kind, DeletedBy deletedBy)
       : FxUnknown<Primary, Extras...>(world, kind), deletedBy_(deletedBy) {}
 
   HRESULT STDMETHODCALLTYPE DeleteWdfObject() override {
@@ -73,17 +74,36 @@ class FxObject : public FxUnknown<Primary, Extras...> {
       return S_OK;
     });
   }
-  HRESULT STDMETHODCALLTYPE AssignContext(IObjectCleanup*, void*) override {
-    return this->Unexpected("IWDFObject::AssignContext");
+  HRESULT STDMETHODCALLTYPE AssignContext(IObjectCleanup* cleanupCallback, void* context) override {
+    return this->Invoke("IWDFObject::AssignContext", [&] {
+      context_ = context;
+      CallAtCleanup(stelvane::ComPtr<IObjectCleanup>(cleanupCallback));
+      return S_OK;
+    });
   }
-  HRESULT STDMETHODCALLTYPE RetrieveContext(void**) override {
-    return this->Unexpected("IWDFObject::RetrieveContext");
+  HRESULT STDMETHODCALLTYPE RetrieveContext(void** context) override {
+    return this->Invoke("IWDFObject::RetrieveContext", [&] {
+      *context = context_;
+      return context_ != nullptr ? S_OK : kNotFound;
+    });
   }
   void STDMETHODCALLTYPE AcquireLock() override { this->Unexpected("IWDFObject::AcquireLock"); }
   void STDMETHODCALLTYPE ReleaseLock() override { this->Unexpected("IWDFObject::ReleaseLock"); }
 
+  /// Adds a callback for the object's end; null is none.
+  void CallAtCleanup(stelvane::ComPtr<IObjectCleanup> callback) {
+    if (callback) cleanups_.push_back(std::move(callback));
+  }
+
+ protected:
+  void CallCleanups() override {
+    for (const auto& callback : std::exchange(cleanups_, {})) callback->OnCleanup(this);
+  }
+
  private:
   const DeletedBy deletedBy_;
+  void* context_ = nullptr;
+  std::vector<stelvane::ComPtr<IObjectCleanup>> cleanups_;
 };
 
 }  // namespace bench

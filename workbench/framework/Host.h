@@ -1,7 +1,11 @@
 // The driver host: loads a driver object and walks one device through its life.
 #pragma once
 
-#include <cstdint>
+#include <windows.h>
+
+#include <atomic>
+#include <cstddef>
+#include <initializer_list>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -10,14 +14,11 @@
 
 #include "base/ComPtr.h"
 #include "platform/WdfCallbacks.h"
-#include "workbench/framework/CallRecord.h"
 #include "workbench/framework/ClientRequest.h"
 #include "workbench/framework/DevicePlan.h"
-#include "workbench/framework/Ledger.h"
+#include "workbench/framework/World.h"
 #include "workbench/modem/UsbLink.h"
 
-struct IClassFactory;
-struct IWDFDevice;
 struct IWDFFile;
 
 namespace bench {
@@ -25,11 +26,11 @@ namespace bench {
 class FxDevice;
 class FxDriver;
 class UsbFunction;
-struct World;
 
 /// Asks a class factory for the driver object as the host process does: for IDriverEntry, else for
 /// IUnknown and from there. Null with the failure in `result`.
-stelvane::ComPtr<IDriverEntry> LoadDriver(IClassFactory& factory, Ledger& ledger, HRESULT& result);
+stelvane::ComPtr<IDriverEntry> LoadDriver(IClassFactory& factory, const World& world,
+                                          HRESULT& result);
 
 /// Each step calls the driver on the calling thread and returns its answer. A step out of the
 /// framework's order is a mistake of the test and throws std::logic_error; `SurpriseRemoval` and
@@ -101,7 +102,7 @@ class Host {
   FxDevice* device() const { return device_; }
   FxDriver& driver() const { return *fxDriver_; }
   UsbFunction& usb() { return *usb_; }
-  World& world() { return *world_; }
+  const World& world() const { return world_; }
 
  private:
   enum class State {
@@ -110,9 +111,8 @@ class Host {
     kPrepareFailed,
     kPrepared,
     kD0EntryFailed,
-    kWorking,    // in D0, self-managed I/O not running
-    kRunning,    // in D0 with self-managed I/O
-    kSuspended,  // still in D0
+    kWorking,  // in D0, self-managed I/O not running
+    kRunning,  // in D0 with self-managed I/O
     kPoweredDown,
     kFlushed,
     kCleanedUp,
@@ -123,13 +123,15 @@ class Host {
   void Expect(std::string_view step, std::initializer_list<State> legal) const;
   template <class Call>
   HRESULT Step(std::string_view step, Call call);
+  template <class Call>
+  void StepVoid(std::string_view step, Call call);
 
-  std::unique_ptr<World> world_;
+  const World world_;
   const DevicePlan plan_;
   std::unique_ptr<UsbFunction> usb_;
   stelvane::ComPtr<IDriverEntry> entry_;
   FxDriver* fxDriver_ = nullptr;
-  FxDevice* device_ = nullptr;
+  std::atomic<FxDevice*> device_{nullptr};
   State state_ = State::kNoDevice;
   bool initialized_ = false;
   bool ioInitialized_ = false;

@@ -29,6 +29,7 @@ inline constexpr std::string_view kTouchedAfterCompletion = "request touched aft
 inline constexpr std::string_view kNeverCompleted = "request never completed";
 inline constexpr std::string_view kSlowAnswer = "request not answered in time";
 inline constexpr std::string_view kReaderReentered = "reader controlled from its own callback";
+inline constexpr std::string_view kReaderOverlap = "reader start and stop overlap";
 inline constexpr std::string_view kIdleBalance = "idle balance";
 inline constexpr std::string_view kQueryInterface = "query interface";
 inline constexpr std::string_view kEscapedException = "exception left a callback";

@@ -5,6 +5,7 @@
 
 #include <deque>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -20,8 +21,8 @@ namespace bench {
 class UsbFunction {
  public:
   UsbFunction(Clock& clock, UsbLink& link, UsbPlan plan);
-  /// The link must not flush any more.
-  ~UsbFunction() = default;
+  /// Takes the sink back from the link, which may live on.
+  ~UsbFunction();
   UsbFunction(const UsbFunction&) = delete;
   UsbFunction& operator=(const UsbFunction&) = delete;
 
@@ -29,12 +30,20 @@ class UsbFunction {
 
   HRESULT Control(const ControlRequest& request);
   HRESULT Write(std::string_view bytes);
-  /// Takes the next block of at most `limit` bytes; a block never spans two flushed chunks. False
-  /// when nothing waits. May run in a clock's `ready`.
-  bool TryRead(std::size_t limit, std::string& block);
+  /// What one read of an endpoint ends with.
+  struct ReadEvent {
+    HRESULT status = S_OK;
+    std::string bytes;
+  };
+  /// The next block of at most `limit` bytes, or the next failure; nothing while the device has
+  /// nothing to say. A block never spans two flushed chunks. May run in a clock's `ready`.
+  std::optional<ReadEvent> TryRead(std::size_t limit);
+  /// The read after those that what was flushed so far fills fails.
+  void FailRead(HRESULT status);
+  /// Flushed and not read yet.
   std::size_t WaitingBytes() const;
 
-  /// From now on every transfer fails and nothing arrives.
+  /// From now on every transfer fails, reads too, and nothing arrives.
   void Unplug();
   /// May run in a clock's `ready`.
   bool IsUnplugged() const;
@@ -44,7 +53,7 @@ class UsbFunction {
   UsbLink& link_;
   const UsbPlan plan_;
   mutable std::mutex mutex_;
-  std::deque<std::string> chunks_;
+  std::deque<ReadEvent> events_;
   bool unplugged_ = false;
 };
 
