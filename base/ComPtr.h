@@ -1,6 +1,8 @@
 // A counted pointer to a COM-style object: anything with AddRef and Release.
 #pragma once
 
+#include <windows.h>
+
 #include <utility>
 
 #include "platform/Iid.h"

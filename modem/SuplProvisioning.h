@@ -1,0 +1,37 @@
+// Gives the modem the SUPL server of the SIM's network.
+#pragma once
+
+#include <string>
+
+#include "at/CommandEngine.h"
+#include "at/ModemAnswers.h"
+#include "modem/SuplRecord.h"
+
+namespace stelvane {
+
+/// Runs on the worker thread, inside bring-up or a start, and never fails its caller. May throw
+/// std::bad_alloc.
+class SuplProvisioning {
+ public:
+  SuplProvisioning(AtChannel& channel, CommandEngine& engine, ModemAnswers& answers)
+      : channel_(channel), engine_(engine), answers_(answers) {}
+
+  /// Reads the SIM's identity and, when it is not the one provisioned last, writes the operator's
+  /// settings. Not negative in any case.
+  HRESULT ConfigureSupl();
+
+ private:
+  HRESULT WriteSettings(HRESULT result);
+
+  AtChannel& channel_;
+  CommandEngine& engine_;
+  ModemAnswers& answers_;
+  SuplRecord record_;
+  std::string m_strProvisionedImsi;  // the identity for which provisioning last completed
+};
+
+/// The whole "XLCSSLP" command of a record. E_INVALIDARG when a type that needs an address has
+/// none, E_FAIL for an unknown or empty type; both are reported, and `command` is empty then.
+HRESULT BuildSlpCommand(const SuplRecord& record, std::string& command);
+
+}  // namespace stelvane
