@@ -30,6 +30,7 @@ HRESULT FxSentRequest::SendFormatted(IWDFIoTarget* ioTarget, ULONG flags) {
   FxBase* const object = FindObject<FxBase>(ioTarget);
   auto* const target = dynamic_cast<TransferTarget*>(object);
   if (target == nullptr) return E_INVALIDARG;
+  if (const HRESULT refusal = target->AcceptsSend(); FAILED(refusal)) return refusal;
   std::optional<Transfer> transfer;
   {
     // One format serves one send.
@@ -48,7 +49,6 @@ HRESULT FxSentRequest::SendFormatted(IWDFIoTarget* ioTarget, ULONG flags) {
     Report(rule::kDeletedObject, "Send with " + transfer->memory->name());
     return E_INVALIDARG;
   }
-  if (const HRESULT refusal = target->AcceptsSend(); FAILED(refusal)) return refusal;
   const HRESULT status = target->CarryOut(*transfer);
   const std::lock_guard lock(mutex_);
   completion_ = {.status = status,
