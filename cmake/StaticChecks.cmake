@@ -27,4 +27,7 @@ endif()
 add_test(NAME check_dll_catches_breaches
   COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tools/check_dll_test.py
     ${machine} ${CMAKE_CXX_COMPILER} ${CMAKE_NM})
+if(machine STREQUAL x64)
+  add_test(NAME small_tools COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tools/tools_test.py)
+endif()
 set_tests_properties(${dll_tests} check_dll_catches_breaches PROPERTIES LABELS static)
