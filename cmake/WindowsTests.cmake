@@ -25,6 +25,7 @@ foreach(group IN LISTS groups)
     endif()
   endif()
 endforeach()
+include(cmake/BenchImportsTest.cmake OPTIONAL)
 
 file(GLOB driver_tests CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/driver/*.cpp)
 if(driver_tests)

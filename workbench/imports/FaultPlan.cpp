@@ -31,8 +31,10 @@ void FaultPlan::FailImport(std::string_view name, std::uint64_t nth, Extent exte
 
 void FaultPlan::FailImport(std::string_view name, std::uint64_t nth, Failure failure,
                            Extent extent) {
+  const std::size_t import = Find(name);
+  if (!kImports[import].hasResult) throw std::invalid_argument(std::string(name) + " cannot fail");
   const std::lock_guard lock(mutex_);
-  plan_.emplace(Find(name), Entry{nth, failure, extent});
+  plan_.emplace(import, Entry{nth, failure, extent});
   armed_ = true;
 }
 

@@ -43,7 +43,7 @@ class FaultPlan {
   /// that is natural for it. Throws std::invalid_argument for a function that cannot fail or is not
   /// known.
   void FailImport(std::string_view name, std::uint64_t nth, Extent extent = Extent::kOnce);
-  /// The same with a failure of the test's choice; any redirected function can be named.
+  /// The same with a failure of the test's choice, for any redirected function that has a result.
   void FailImport(std::string_view name, std::uint64_t nth, Failure failure,
                   Extent extent = Extent::kOnce);
   /// Forgets the plan and sets all counts to 0.

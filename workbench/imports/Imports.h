@@ -15,7 +15,8 @@ namespace bench {
 struct ImportFact {
   std::string_view dll;
   std::string_view name;
-  std::optional<Failure> failure;  // the natural one; none for what cannot fail
+  std::optional<Failure> failure;  // the natural one; none for what does not fail
+  bool hasResult = true;
 };
 
 namespace import_facts {
@@ -28,6 +29,7 @@ inline constexpr std::string_view kOleAut = "oleaut32.dll";
 inline constexpr std::string_view kRuntime = "msvcrt.dll";
 
 inline constexpr std::optional<Failure> kNever = std::nullopt;
+inline constexpr bool kNoResult = false;
 inline constexpr Failure kNoMemory = {0, ERROR_NOT_ENOUGH_MEMORY};  // null or FALSE
 inline constexpr Failure kNull = {0, 0};
 inline constexpr Failure kResultNoMemory = {static_cast<std::uint32_t>(E_OUTOFMEMORY), 0};
@@ -45,12 +47,12 @@ inline constexpr auto kImports = [] {
   return std::to_array<ImportFact>({
       {kKernel, "GetTickCount64", kNever},
       {kKernel, "GetTickCount", kNever},
-      {kKernel, "GetSystemTime", kNever},
-      {kKernel, "GetSystemTimeAsFileTime", kNever},
-      {kKernel, "GetSystemTimePreciseAsFileTime", kNever},
+      {kKernel, "GetSystemTime", kNever, kNoResult},
+      {kKernel, "GetSystemTimeAsFileTime", kNever, kNoResult},
+      {kKernel, "GetSystemTimePreciseAsFileTime", kNever, kNoResult},
       {kKernel, "QueryPerformanceCounter", kNever},
       {kKernel, "QueryPerformanceFrequency", kNever},
-      {kKernel, "Sleep", kNever},
+      {kKernel, "Sleep", kNever, kNoResult},
       {kKernel, "SleepEx", kNever},
       {kKernel, "SwitchToThread", kNever},
       {kKernel, "WaitForSingleObject", kNever},
@@ -59,19 +61,19 @@ inline constexpr auto kImports = [] {
       {kKernel, "WaitForMultipleObjectsEx", kNever},
       {kKernel, "SetEvent", kNever},
       {kKernel, "ReleaseSemaphore", kNever},
-      {kKernel, "EnterCriticalSection", kNever},
+      {kKernel, "EnterCriticalSection", kNever, kNoResult},
       {kKernel, "TryEnterCriticalSection", kNever},
-      {kKernel, "LeaveCriticalSection", kNever},
-      {kKernel, "AcquireSRWLockExclusive", kNever},
+      {kKernel, "LeaveCriticalSection", kNever, kNoResult},
+      {kKernel, "AcquireSRWLockExclusive", kNever, kNoResult},
       {kKernel, "TryAcquireSRWLockExclusive", kNever},
-      {kKernel, "ReleaseSRWLockExclusive", kNever},
+      {kKernel, "ReleaseSRWLockExclusive", kNever, kNoResult},
       {kKernel, "CreateEventW", kNoMemory},
       {kKernel, "CreateThread", kNoMemory},
       {kKernel, "CloseHandle", kNever},
-      {kKernel, "InitializeCriticalSection", kNever},
+      {kKernel, "InitializeCriticalSection", kNever, kNoResult},
       {kKernel, "InitializeCriticalSectionAndSpinCount", kNoMemory},
       {kKernel, "InitializeCriticalSectionEx", kNoMemory},
-      {kKernel, "DeleteCriticalSection", kNever},
+      {kKernel, "DeleteCriticalSection", kNever, kNoResult},
       {kKernel, "DisableThreadLibraryCalls", False(ERROR_INVALID_HANDLE)},
       {kKernel, "SystemTimeToFileTime", False(ERROR_INVALID_PARAMETER)},
       {kKernel, "FileTimeToSystemTime", False(ERROR_INVALID_PARAMETER)},
@@ -94,11 +96,11 @@ inline constexpr auto kImports = [] {
       {kSetup, "SetupDiGetDevicePropertyW", False(ERROR_NOT_FOUND)},
       {kSetup, "SetupDiDestroyDeviceInfoList", kNever},
       {kOle, "CoInitializeEx", Code(static_cast<DWORD>(RPC_E_CHANGED_MODE))},
-      {kOle, "CoUninitialize", kNever},
+      {kOle, "CoUninitialize", kNever, kNoResult},
       {kOle, "CoCreateInstance", kResultNoMemory},
       {kOle, "StringFromCLSID", kResultNoMemory},
       {kOle, "CoTaskMemAlloc", kNull},
-      {kOle, "CoTaskMemFree", kNever},
+      {kOle, "CoTaskMemFree", kNever, kNoResult},
       {kOle, "PropVariantCopy", kResultNoMemory},
       {kOleAut, "SysAllocString", kNull},
       {kOleAut, "SysAllocStringLen", kNull},
@@ -106,7 +108,7 @@ inline constexpr auto kImports = [] {
       {kRuntime, "malloc", kNull},
       {kRuntime, "calloc", kNull},
       {kRuntime, "realloc", kNull},
-      {kRuntime, "free", kNever},
+      {kRuntime, "free", kNever, kNoResult},
   });
 }();
 

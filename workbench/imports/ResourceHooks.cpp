@@ -25,7 +25,10 @@ void TakeIf(const void* thing, Resource kind, Site site, std::uint64_t quantity 
 HANDLE MakeEvent(Site site, SECURITY_ATTRIBUTES* attributes, BOOL manual, BOOL set,
                  const wchar_t* name) {
   const HANDLE event = CreateEventW(attributes, manual, set, name);
+  if (event == nullptr) return nullptr;
   TakeIf(event, Resource::kEvent, site);
+  // A named event may be set by others, so the system is always asked about it.
+  if (name == nullptr) Redirector::Current().Time().Created(event, manual != FALSE, set != FALSE);
   return event;
 }
 

@@ -67,13 +67,13 @@ DWORD WaitManyEx(DWORD count, const HANDLE* handles, BOOL all, DWORD millisecond
 
 BOOL Set(HANDLE event) {
   const BOOL done = SetEvent(event);
-  Time().Signalled();
+  Time().Signalled(event);
   return done;
 }
 
 BOOL Release(HANDLE semaphore, LONG count, LONG* previous) {
   const BOOL done = ReleaseSemaphore(semaphore, count, previous);
-  Time().Signalled();
+  Time().Signalled(semaphore);
   return done;
 }
 

@@ -1,8 +1,6 @@
 #include "workbench/imports/TimeSteering.h"
 
-#include <array>
 #include <utility>
-#include <vector>
 
 #include "workbench/imports/LastError.h"
 
@@ -20,77 +18,12 @@ constexpr SYSTEMTIME kDefaultStart = {.wYear = 2014,
 constexpr std::uint64_t kUtcUnitsPerMilli = 10'000;
 }  // namespace
 
-/// What one wait looks at: the handles, and which of them are threads of the DLL. Such a thread
-/// counts as ended once its procedure has returned, which the clock gets to know of; the handle
-/// itself follows a moment later.
-class TimeSteering::HandleSet {
- public:
-  HandleSet(DWORD count, const HANDLE* handles, bool all)
-      : count_(count), handles_(handles), all_(all) {}
-
-  void AddThread(DWORD index, Finished finished) {
-    threads_.push_back({index, std::move(finished)});
-  }
-
-  /// Tests, and takes what is signalled; WAIT_TIMEOUT if the wait has to go on.
-  DWORD Poll() const { return all_ ? PollAll() : PollAny(); }
-
-  /// After a successful Poll: lets the threads that it relied on really end.
-  void Settle(DWORD result) const {
-    for (const Thread& thread : threads_) {
-      if (all_ ? result == WAIT_OBJECT_0 : result == WAIT_OBJECT_0 + thread.index) {
-        WaitForSingleObject(handles_[thread.index], INFINITE);
-      }
-    }
-  }
-
- private:
-  struct Thread {
-    DWORD index;
-    Finished finished;
-  };
-
-  DWORD PollAny() const {
-    for (const Thread& thread : threads_) {
-      if (!*thread.finished) continue;
-      // It is signalled, unless something that stands before it is.
-      const DWORD before = thread.index == 0 ? WAIT_TIMEOUT : Test(thread.index, handles_, false);
-      return before != WAIT_TIMEOUT ? before : WAIT_OBJECT_0 + thread.index;
-    }
-    return Test(count_, handles_, false);
-  }
-
-  DWORD PollAll() const {
-    if (threads_.empty()) return Test(count_, handles_, true);
-    std::array<HANDLE, MAXIMUM_WAIT_OBJECTS> open;
-    DWORD openCount = 0;
-    auto thread = threads_.begin();
-    for (DWORD i = 0; i < count_; ++i) {
-      const bool isThread = thread != threads_.end() && thread->index == i;
-      const bool ended = isThread && *thread->finished;
-      if (isThread) ++thread;
-      if (!ended) open[openCount++] = handles_[i];
-    }
-    return openCount == 0 ? WAIT_OBJECT_0 : Test(openCount, open.data(), true);
-  }
-
-  static DWORD Test(DWORD count, const HANDLE* handles, bool all) {
-    return count == 1 ? WaitForSingleObject(handles[0], 0)
-                      : WaitForMultipleObjects(count, handles, all, 0);
-  }
-
-  const DWORD count_;
-  const HANDLE* const handles_;
-  const bool all_;
-  std::vector<Thread> threads_;  // in the order of their index
-};
-
 /// What a new thread needs to know.
 struct TimeSteering::Start {
   TimeSteering* steering;
   LPTHREAD_START_ROUTINE body;
   void* argument;
-  Finished finished;
+  std::shared_ptr<Waitable> self;
   std::function<void(DWORD)> ended;
 };
 
@@ -150,22 +83,51 @@ DWORD TimeSteering::Wait(DWORD count, const HANDLE* handles, bool all, DWORD mil
   return result;
 }
 
-TimeSteering::HandleSet TimeSteering::Resolve(DWORD count, const HANDLE* handles, bool all) {
-  HandleSet set(count, handles, all);
+HandleSet TimeSteering::Resolve(DWORD count, const HANDLE* handles, bool all) {
+  HandleSet set(handles, count, all);
   if (count > MAXIMUM_WAIT_OBJECTS) return set;
   const std::lock_guard lock(mutex_);
-  if (threads_.empty()) return set;
   for (DWORD i = 0; i < count; ++i) {
-    const auto thread = threads_.find(handles[i]);
-    if (thread != threads_.end()) set.AddThread(i, thread->second);
+    const auto known = waitables_.find(handles[i]);
+    set.Add(known != waitables_.end() ? known->second : nullptr);
   }
   return set;
 }
 
-void TimeSteering::Signalled() {
-  if (waiting_ == 0) return;
+void TimeSteering::Created(HANDLE event, bool manual, bool set) {
   const KeepLastError keep;
+  const auto kind = manual ? Waitable::Kind::kManualEvent : Waitable::Kind::kAutoEvent;
+  const std::lock_guard lock(mutex_);
+  waitables_[event] = std::make_shared<Waitable>(kind, set);
+}
+
+void TimeSteering::Signalled(HANDLE handle) {
+  const KeepLastError keep;
+  {
+    const std::lock_guard lock(mutex_);
+    const auto known = waitables_.find(handle);
+    if (known != waitables_.end()) {
+      known->second->Signal();
+    } else {
+      SignalAllEvents();  // it may be another handle of any of them
+    }
+  }
+  if (waiting_ != 0) clock_.Notify();
+}
+
+void TimeSteering::Signalled() {
+  const KeepLastError keep;
+  {
+    const std::lock_guard lock(mutex_);
+    SignalAllEvents();
+  }
   clock_.Notify();
+}
+
+void TimeSteering::SignalAllEvents() {
+  for (const auto& [handle, waitable] : waitables_) {
+    if (waitable->GetKind() != Waitable::Kind::kThread) waitable->Signal();
+  }
 }
 
 void TimeSteering::AcquireContended(const void* lock, const std::function<bool()>& take) {
@@ -206,8 +168,8 @@ HANDLE TimeSteering::StartThread(SECURITY_ATTRIBUTES* attributes, SIZE_T stack,
                                  LPTHREAD_START_ROUTINE body, void* argument, DWORD flags,
                                  DWORD* id, const std::function<void(HANDLE, DWORD)>& created,
                                  std::function<void(DWORD)> ended) {
-  const auto finished = std::make_shared<std::atomic<bool>>(false);
-  auto start = std::make_unique<Start>(this, body, argument, finished, std::move(ended));
+  const auto self = std::make_shared<Waitable>(Waitable::Kind::kThread, false);
+  auto start = std::make_unique<Start>(this, body, argument, self, std::move(ended));
   // Held until the clock knows of it, which cannot be taken back if the creation fails.
   DWORD threadId = 0;
   const HANDLE thread = CreateThread(attributes, stack, &TimeSteering::RunThread, start.get(),
@@ -217,7 +179,7 @@ HANDLE TimeSteering::StartThread(SECURITY_ATTRIBUTES* attributes, SIZE_T stack,
   clock_.AddParticipant();
   {
     const std::lock_guard lock(mutex_);
-    threads_[thread] = finished;
+    waitables_[thread] = self;
   }
   created(thread, threadId);
   if (id != nullptr) *id = threadId;
@@ -231,7 +193,7 @@ DWORD WINAPI TimeSteering::RunThread(void* argument) {
   clock.EnterParticipant();
   const DWORD code = start->body(start->argument);
   start->ended(GetCurrentThreadId());
-  *start->finished = true;
+  start->self->Signal();
   clock.Notify();
   clock.LeaveParticipant();
   return code;
@@ -240,7 +202,7 @@ DWORD WINAPI TimeSteering::RunThread(void* argument) {
 void TimeSteering::Closing(HANDLE handle) {
   const KeepLastError keep;
   const std::lock_guard lock(mutex_);
-  threads_.erase(handle);
+  waitables_.erase(handle);
 }
 
 }  // namespace bench

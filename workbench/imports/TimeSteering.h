@@ -11,6 +11,7 @@
 #include <unordered_map>
 
 #include "workbench/clock/Clock.h"
+#include "workbench/imports/HandleSet.h"
 
 namespace bench {
 
@@ -42,8 +43,11 @@ class TimeSteering {
   void GiveWay();
   /// As WaitForMultipleObjects.
   DWORD Wait(DWORD count, const HANDLE* handles, bool all, DWORD milliseconds);
-  /// To be called when a handle that threads of the DLL may wait for was signalled; needless only
-  /// for the DLL's own calls.
+  /// An event that the DLL has created, unnamed.
+  void Created(HANDLE event, bool manual, bool set);
+  /// To be called when the DLL has set an event or released a semaphore.
+  void Signalled(HANDLE handle);
+  /// To be called when anything else has signalled a handle that the DLL may wait for.
   void Signalled();
 
   /// Takes a lock: `take` tries it without blocking; `lock` identifies it.
@@ -67,17 +71,16 @@ class TimeSteering {
   void Closing(HANDLE handle);
 
  private:
-  using Finished = std::shared_ptr<std::atomic<bool>>;
   struct LockWait {
     std::uint64_t left = 0;  // how often the lock was left since the first of its waiters came
     int waiters = 0;
   };
   struct Start;
-  class HandleSet;
 
   Millis Deadline(DWORD milliseconds) const;
   void AcquireContended(const void* lock, const std::function<bool()>& take);
   void WakeLockWaiters(const void* lock);
+  void SignalAllEvents();
   HandleSet Resolve(DWORD count, const HANDLE* handles, bool all);
   static DWORD WINAPI RunThread(void* start);
 
@@ -87,7 +90,7 @@ class TimeSteering {
   std::atomic<int> waiting_{0};
   std::atomic<int> lockWaiters_{0};
   std::mutex mutex_;
-  std::unordered_map<HANDLE, Finished> threads_;
+  std::unordered_map<HANDLE, std::shared_ptr<Waitable>> waitables_;
   std::unordered_map<const void*, LockWait> locks_;
 };
 
