@@ -15,7 +15,7 @@ QueuePath::QueuePath(Host& host) : host_(host), file_(host.OpenFile()) {}
 SensorAnswer QueuePath::Send(const SensorRequest& request) {
   const ClientRequest sent =
       host_.SendIoControl(kMessageReadWrite, Encode(request), kOutputSize, file_);
-  sent.Wait();
+  if (!sent.Wait()) return {.result = kOperationAborted};  // the device went away
   if (FAILED(sent.Status())) return {.result = sent.Status()};
   auto answer = DecodeAnswer(std::string_view(sent.Output()).substr(0, sent.Information()));
   return answer ? *std::move(answer) : SensorAnswer{.result = E_UNEXPECTED};

@@ -151,8 +151,8 @@ Report DecodeReport(Millis time, const KeyValues& values) {
     }
   }
   for (const auto& [key, value] : values) {
-    const auto field =
-        std::ranges::find_if(kFields, [&](const auto& each) { return SameKey(each.key, key); });
+    const auto field = std::ranges::find_if(
+        kFields, [&wanted = key](const auto& each) { return SameKey(each.key, wanted); });
     if (field != kFields.end()) {
       if (value.Type() == kBytes) CheckBlob(report, *field, value, &report.faults);
     } else if (SameKey(key, keys::kEventId) && value.Type() == VT_CLSID) {
