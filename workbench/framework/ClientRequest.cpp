@@ -5,22 +5,16 @@
 namespace bench {
 
 void ClientRequest::Outcome::Complete(HRESULT status, std::size_t information, std::string output) {
-  {
-    const std::lock_guard lock(mutex_);
-    status_ = status;
-    information_ = information;
-    output_ = std::move(output);
-    state_ = State::kCompleted;
-  }
-  clock_.Notify();
+  const std::lock_guard lock(mutex_);
+  status_ = status;
+  information_ = information;
+  output_ = std::move(output);
+  state_ = State::kCompleted;
 }
 
 void ClientRequest::Outcome::Abandon() {
-  {
-    const std::lock_guard lock(mutex_);
-    state_ = State::kAbandoned;
-  }
-  clock_.Notify();
+  const std::lock_guard lock(mutex_);
+  state_ = State::kAbandoned;
 }
 
 bool ClientRequest::Wait(Millis timeout) const {

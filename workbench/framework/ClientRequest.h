@@ -41,6 +41,7 @@ class ClientRequest::Outcome {
  public:
   explicit Outcome(Clock& clock) : clock_(clock) {}
 
+  // The caller notifies the clock afterwards.
   void Complete(HRESULT status, std::size_t information, std::string output);
   void Abandon();
 

@@ -42,8 +42,7 @@ void FxClientRequest::Finish(HRESULT status, std::size_t information) {
   std::string output;
   if (output_ != nullptr) output = output_->Bytes();
   Delete(rule::kTouchedAfterCompletion);
-  queue_.OnCompleted(*this);
-  outcome_->Complete(status, information, std::move(output));
+  queue_.OnCompleted(*this, [&] { outcome_->Complete(status, information, std::move(output)); });
 }
 
 std::string_view FxClientRequest::BrokenBy(std::string_view call) const {
@@ -56,6 +55,7 @@ void FxClientRequest::OnDeleted() {
   if (completed_) return;
   if (withDriver_) Report(rule::kNeverCompleted, "the device is removed");
   outcome_->Abandon();
+  world().clock.Notify();
 }
 
 void FxClientRequest::CompleteWithInformation(HRESULT completionStatus, SIZE_T information) {

@@ -54,10 +54,11 @@ void FxQueue::Dispatch(FxClientRequest& request) {
   });
 }
 
-void FxQueue::OnCompleted(FxClientRequest& request) {
+void FxQueue::OnCompleted(FxClientRequest& request, const std::function<void()>& publish) {
   {
     const std::lock_guard lock(mutex_);
     std::erase(withDriver_, &request);
+    publish();
   }
   world().clock.Notify();
 }

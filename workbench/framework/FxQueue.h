@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <deque>
+#include <functional>
 #include <list>
 #include <mutex>
 
@@ -23,8 +24,9 @@ class FxQueue final : public FxObject<IWDFIoQueue> {
   /// Dispatches the request, keeps it while the queue is stopped (a framework thread takes it once
   /// the queue starts), or refuses it when the queue is purged.
   void Present(FxClientRequest& request, On thread);
-  /// A request that is complete is out of the driver's hands.
-  void OnCompleted(FxClientRequest& request);
+  /// A request that is complete is out of the driver's hands. `publish` hands the outcome to the
+  /// client in the same moment, so that neither side sees one without the other.
+  void OnCompleted(FxClientRequest& request, const std::function<void()>& publish);
   /// Waiting in the queue, and in the driver's hands.
   std::size_t Waiting() const;
   std::size_t WithDriver() const;
