@@ -1,0 +1,94 @@
+# The native build: the portable sources against a stand-in for the kernel on POSIX threads
+# (tests/native), for the sanitizers, the fuzzer, coverage and the lock annotations.
+if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  message(FATAL_ERROR "The native build needs clang++ (the native-* presets choose it)")
+endif()
+
+# What talks to Windows alone.
+set(windows_only_sources
+  driver/DllMain.cpp        # the entry point and the exports
+  modem/SuplConfigFile.cpp  # reads XML through MSXML
+  workbench/sensorapi/ComRegistration.cpp)
+set(windows_only_tests platform bench_imports trace)
+set(native_bench_rooms clock framework sensorapi modem)
+
+# Everything is compiled alike, GoogleTest too: half a sanitized program reports what is not there.
+add_compile_options(-fshort-wchar)
+add_compile_definitions(GTEST_HAS_STD_WSTRING=0)
+if(STELVANE_SANITIZE)
+  set(sanitizers -fsanitize=${STELVANE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_compile_options(${sanitizers})
+  add_link_options(${sanitizers})
+endif()
+if(STELVANE_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+  add_link_options(-fsanitize=fuzzer-no-link)
+endif()
+
+# Clang 14 does not see that the library's strings are initialised constantly; the Windows build
+# checks that they are.
+if(CMAKE_CXX_COMPILER_VERSION VERSION_LESS 15)
+  target_compile_definitions(stelvane_settings INTERFACE constinit=)
+endif()
+
+find_package(Threads REQUIRED)
+target_include_directories(stelvane_settings INTERFACE ${PROJECT_SOURCE_DIR}/tests/native/include)
+target_compile_options(stelvane_settings INTERFACE -Wthread-safety -Werror=thread-safety)
+target_link_libraries(stelvane_settings INTERFACE Threads::Threads)
+include(cmake/Trace.cmake)
+
+# The sources of the rooms named, as far as they are portable.
+function(portable_sources result)
+  set(found)
+  foreach(room IN LISTS ARGN)
+    file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${room}/*.cpp)
+    list(APPEND found ${sources})
+  endforeach()
+  foreach(source IN LISTS windows_only_sources)
+    list(REMOVE_ITEM found ${PROJECT_SOURCE_DIR}/${source})
+  endforeach()
+  set(${result} ${found} PARENT_SCOPE)
+endfunction()
+
+# The stand-in and its tests lie side by side.
+file(GLOB stand_in_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/native/*.cpp)
+set(native_tests ${stand_in_sources})
+list(FILTER native_tests INCLUDE REGEX "Test\\.cpp$")
+list(FILTER stand_in_sources EXCLUDE REGEX "Test\\.cpp$")
+portable_sources(product_sources base at modem sensor driver)
+list(TRANSFORM native_bench_rooms PREPEND workbench/)
+portable_sources(bench_sources ${native_bench_rooms})
+
+# The libraries refer to each other: the workbench to the product's declarations and to the
+# kernel, the stand-in to the workbench's clock.
+add_library(native_kernel STATIC ${stand_in_sources})
+add_library(stelvane_native STATIC ${product_sources})
+add_library(bench_native STATIC ${bench_sources})
+foreach(library native_kernel stelvane_native bench_native)
+  target_link_libraries(${library} PUBLIC stelvane_settings trace_headers)
+endforeach()
+target_link_libraries(stelvane_native PUBLIC native_kernel)
+target_link_libraries(native_kernel PUBLIC bench_native)
+target_link_libraries(bench_native PUBLIC native_kernel)
+
+set(BUILD_GMOCK ON)
+set(INSTALL_GTEST OFF)
+add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+
+function(add_native_test name library)
+  add_executable(${name} ${ARGN})
+  target_link_libraries(${name} PRIVATE ${library} gmock_main gtest gmock)
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES TIMEOUT 600
+    ENVIRONMENT "UBSAN_OPTIONS=print_stacktrace=1;TSAN_OPTIONS=halt_on_error=1")
+endfunction()
+
+add_native_test(native_tests native_kernel ${native_tests})
+file(GLOB groups CONFIGURE_DEPENDS LIST_DIRECTORIES true ${PROJECT_SOURCE_DIR}/tests/unit/*)
+foreach(group IN LISTS groups)
+  get_filename_component(group_name ${group} NAME)
+  portable_sources(sources tests/unit/${group_name})
+  if(sources AND NOT group_name IN_LIST windows_only_tests)
+    add_native_test(unit_${group_name} stelvane_native ${sources})
+  endif()
+endforeach()

@@ -1,0 +1,2 @@
+// Ids need no separate definition here.
+#pragma once

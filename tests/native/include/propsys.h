@@ -1,0 +1,12 @@
+// A store of properties.
+#pragma once
+
+#include <propidl.h>
+
+struct IPropertyStore : public IUnknown {
+  virtual HRESULT STDMETHODCALLTYPE GetCount(DWORD* count) = 0;
+  virtual HRESULT STDMETHODCALLTYPE GetAt(DWORD index, PROPERTYKEY* key) = 0;
+  virtual HRESULT STDMETHODCALLTYPE GetValue(REFPROPERTYKEY key, PROPVARIANT* value) = 0;
+  virtual HRESULT STDMETHODCALLTYPE SetValue(REFPROPERTYKEY key, REFPROPVARIANT value) = 0;
+  virtual HRESULT STDMETHODCALLTYPE Commit() = 0;
+};
