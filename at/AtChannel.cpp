@@ -160,9 +160,7 @@ void AtChannel::OnBytesReceived(const char* data, std::size_t count) {
   const ScopedLock lock(receiveLock_);
   if (sink_ == nullptr) return;
   try {
-    lines_.Feed(data, count, [this](std::string_view line) REQUIRES(receiveLock_) {
-      sink_->DispatchLine(line);
-    });
+    lines_.Feed(data, count, [&sink = *sink_](std::string_view line) { sink.DispatchLine(line); });
   } catch (const std::bad_alloc&) {
     TRACE(BytesDropped, ULONG64{count});
   }
