@@ -44,7 +44,8 @@ struct Leak {
 class Audit {
  public:
   /// Starts a period: what is alive now is no leak of the period. To be called after loading, since
-  /// the DLL's language runtime keeps some blocks until it is unloaded.
+  /// the DLL's language runtime keeps some blocks until it is unloaded, and, where exceptions are
+  /// expected, after a first one on the thread, since it keeps some for each thread that threw.
   void Mark();
 
   /// What was taken in the period and is still alive, in the order of creation.

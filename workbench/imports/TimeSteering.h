@@ -17,7 +17,8 @@ namespace bench {
 
 /// What the time and thread imports of the DLL do instead. Any thread may call it. The handles
 /// waited for must have no owner (events, semaphores, threads; not mutexes), because the clock
-/// tests them on whichever thread has changed something.
+/// tests them on whichever thread has changed something. A thread's end is seen through the handle
+/// that its creation gave, not through a duplicate.
 ///
 /// A wait in virtual time is counted by the clock like any other: time moves on only when every
 /// thread of the DLL waits, sleeps or stands before a lock.
