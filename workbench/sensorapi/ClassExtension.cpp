@@ -180,7 +180,7 @@ HRESULT STDMETHODCALLTYPE ClassExtension::PostStateChange(LPWSTR sensorId, Senso
     HRESULT result = Ready("PostStateChange");
     if (SUCCEEDED(result)) result = CheckSensor("PostStateChange", sensorId);
     if (FAILED(result)) return result;
-    if (state < SENSOR_STATE_MIN || state > SENSOR_STATE_MAX) {
+    if (static_cast<unsigned>(state) > static_cast<unsigned>(SENSOR_STATE_MAX)) {
       Report(rule::kBadState, std::to_string(static_cast<int>(state)));
       return E_INVALIDARG;
     }

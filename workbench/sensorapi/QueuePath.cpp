@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "workbench/framework/FxFile.h"
+
 namespace bench {
 namespace {
 
@@ -24,7 +26,8 @@ SensorAnswer QueuePath::Send(const SensorRequest& request) {
 void QueuePath::Close() {
   if (!open_) return;
   open_ = false;
-  host_.CleanupFile(file_);
+  // A device that was removed took its files along.
+  if (OwnObject<FxFile>(host_.world(), file_) != nullptr) host_.CleanupFile(file_);
 }
 
 }  // namespace bench

@@ -1,4 +1,4 @@
-#include "tests/unit/bench_sensorapi/FakeDriver.h"
+#include "tests/unit/bench_sensorapi/FakeSensorDriver.h"
 
 #include <algorithm>
 
@@ -6,12 +6,12 @@
 
 namespace bench {
 
-std::vector<std::string> FakeDriver::Log() const {
+std::vector<std::string> FakeSensorDriver::Log() const {
   const std::lock_guard lock(mutex_);
   return log_;
 }
 
-HRESULT FakeDriver::Note(const std::string& callback, IWDFFile* client, LPWSTR sensor) {
+HRESULT FakeSensorDriver::Note(const std::string& callback, IWDFFile* client, LPWSTR sensor) {
   const std::lock_guard lock(mutex_);
   auto place = std::ranges::find(clients_, client);
   if (place == clients_.end()) place = clients_.insert(place, client);
@@ -22,8 +22,8 @@ HRESULT FakeDriver::Note(const std::string& callback, IWDFFile* client, LPWSTR s
   return result == results.end() ? S_OK : result->second;
 }
 
-HRESULT FakeDriver::Pick(const KeyValues& from, IPortableDeviceKeyCollection* keys,
-                         IPortableDeviceValues** values) {
+HRESULT FakeSensorDriver::Pick(const KeyValues& from, IPortableDeviceKeyCollection* keys,
+                               IPortableDeviceValues** values) {
   auto picked = MakeApiObject<PortableDeviceValues>(world());
   DWORD count = 0;
   HRESULT result = keys->GetCount(&count);
@@ -41,7 +41,7 @@ HRESULT FakeDriver::Pick(const KeyValues& from, IPortableDeviceKeyCollection* ke
   return result;
 }
 
-HRESULT FakeDriver::OnGetSupportedSensorObjects(IPortableDeviceValuesCollection** objects) {
+HRESULT FakeSensorDriver::OnGetSupportedSensorObjects(IPortableDeviceValuesCollection** objects) {
   if (const auto planned = results.find("OnGetSupportedSensorObjects"); planned != results.end()) {
     return planned->second;
   }
@@ -53,21 +53,21 @@ HRESULT FakeDriver::OnGetSupportedSensorObjects(IPortableDeviceValuesCollection*
   return S_OK;
 }
 
-HRESULT FakeDriver::OnGetSupportedProperties(LPWSTR, IPortableDeviceKeyCollection** keys) {
+HRESULT FakeSensorDriver::OnGetSupportedProperties(LPWSTR, IPortableDeviceKeyCollection** keys) {
   auto list = MakeApiObject<PortableDeviceKeyCollection>(world());
   for (const KeyValue& each : properties) list->Add(each.key);
   *keys = list.Detach();
   return S_OK;
 }
 
-HRESULT FakeDriver::OnGetSupportedDataFields(LPWSTR, IPortableDeviceKeyCollection** keys) {
+HRESULT FakeSensorDriver::OnGetSupportedDataFields(LPWSTR, IPortableDeviceKeyCollection** keys) {
   auto list = MakeApiObject<PortableDeviceKeyCollection>(world());
   for (const KeyValue& each : data) list->Add(each.key);
   *keys = list.Detach();
   return S_OK;
 }
 
-HRESULT FakeDriver::OnGetSupportedEvents(LPWSTR, GUID** events, ULONG* count) {
+HRESULT FakeSensorDriver::OnGetSupportedEvents(LPWSTR, GUID** events, ULONG* count) {
   *events = static_cast<GUID*>(CoTaskMemAlloc(2 * sizeof(GUID)));
   (*events)[0] = kSensorEventDataUpdated;
   (*events)[1] = kSensorEventStateChanged;
@@ -75,9 +75,9 @@ HRESULT FakeDriver::OnGetSupportedEvents(LPWSTR, GUID** events, ULONG* count) {
   return S_OK;
 }
 
-HRESULT FakeDriver::OnGetProperties(IWDFFile* client, LPWSTR sensor,
-                                    IPortableDeviceKeyCollection* keys,
-                                    IPortableDeviceValues** values) {
+HRESULT FakeSensorDriver::OnGetProperties(IWDFFile* client, LPWSTR sensor,
+                                          IPortableDeviceKeyCollection* keys,
+                                          IPortableDeviceValues** values) {
   const HRESULT noted = Note("OnGetProperties", client, sensor);
   if (noted != S_OK) return noted;
   KeyValues now;
@@ -88,17 +88,18 @@ HRESULT FakeDriver::OnGetProperties(IWDFFile* client, LPWSTR sensor,
   return Pick(now, keys, values);
 }
 
-HRESULT FakeDriver::OnGetDataFields(IWDFFile* client, LPWSTR sensor,
-                                    IPortableDeviceKeyCollection* keys,
-                                    IPortableDeviceValues** values) {
+HRESULT FakeSensorDriver::OnGetDataFields(IWDFFile* client, LPWSTR sensor,
+                                          IPortableDeviceKeyCollection* keys,
+                                          IPortableDeviceValues** values) {
   const HRESULT noted = Note("OnGetDataFields", client, sensor);
   if (noted != S_OK) return noted;
   world().clock.SleepFor(readDelay);
   return Pick(data, keys, values);
 }
 
-HRESULT FakeDriver::OnSetProperties(IWDFFile* client, LPWSTR sensor, IPortableDeviceValues* values,
-                                    IPortableDeviceValues** answers) {
+HRESULT FakeSensorDriver::OnSetProperties(IWDFFile* client, LPWSTR sensor,
+                                          IPortableDeviceValues* values,
+                                          IPortableDeviceValues** answers) {
   const HRESULT noted = Note("OnSetProperties", client, sensor);
   if (noted != S_OK) return noted;
   auto refusals = MakeApiObject<PortableDeviceValues>(world());
@@ -123,19 +124,19 @@ HRESULT FakeDriver::OnSetProperties(IWDFFile* client, LPWSTR sensor, IPortableDe
   return result;
 }
 
-HRESULT FakeDriver::OnClientConnect(IWDFFile* client, LPWSTR sensor) {
+HRESULT FakeSensorDriver::OnClientConnect(IWDFFile* client, LPWSTR sensor) {
   return Note("OnClientConnect", client, sensor);
 }
 
-HRESULT FakeDriver::OnClientDisconnect(IWDFFile* client, LPWSTR sensor) {
+HRESULT FakeSensorDriver::OnClientDisconnect(IWDFFile* client, LPWSTR sensor) {
   return Note("OnClientDisconnect", client, sensor);
 }
 
-HRESULT FakeDriver::OnClientSubscribeToEvents(IWDFFile* client, LPWSTR sensor) {
+HRESULT FakeSensorDriver::OnClientSubscribeToEvents(IWDFFile* client, LPWSTR sensor) {
   return Note("OnClientSubscribeToEvents", client, sensor);
 }
 
-HRESULT FakeDriver::OnClientUnsubscribeFromEvents(IWDFFile* client, LPWSTR sensor) {
+HRESULT FakeSensorDriver::OnClientUnsubscribeFromEvents(IWDFFile* client, LPWSTR sensor) {
   return Note("OnClientUnsubscribeFromEvents", client, sensor);
 }
 

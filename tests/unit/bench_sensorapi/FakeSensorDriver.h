@@ -18,9 +18,10 @@ inline constexpr const char* kFakeSensorId = "{33F98580-15DF-4AB0-8F2D-5842D5A20
 /// Notes each callback as "Name" with its client's number in order of connection, answers
 /// properties from `properties`, takes only those keys, and reads data from `data` after
 /// `readDelay`.
-class FakeDriver final : public ApiObject<ISensorDriver> {
+class FakeSensorDriver final : public ApiObject<ISensorDriver> {
  public:
-  explicit FakeDriver(const World& world) : ApiObject(world, "fake driver", "ISensorDriver") {}
+  explicit FakeSensorDriver(const World& world)
+      : ApiObject(world, "fake driver", "ISensorDriver") {}
 
   std::vector<std::string> Log() const;
 
