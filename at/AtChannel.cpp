@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 #include "at/AtChannel.trace.h"
 #include "platform/WdfDriver.h"
@@ -133,6 +134,15 @@ void AtChannel::ReleaseEngineUse() {
     if (useCount_ >= 1) last = --useCount_ == 0;
   }
   if (last) device_->ResumeIdle();
+}
+
+void AtChannel::ReleaseAllEngineUses() {
+  bool held = false;
+  {
+    const ScopedLock lock(useLock_);
+    held = std::exchange(useCount_, 0) > 0;
+  }
+  if (held) device_->ResumeIdle();
 }
 
 LONG AtChannel::EngineUseCount() {

@@ -54,6 +54,8 @@ class AtChannel final : public ComObject<IUsbTargetPipeContinuousReaderCallbackR
   HRESULT AcquireEngineUse(bool waitForWorking) EXCLUDES(useLock_);
   /// Gives one engine use back; the last one lets the device idle. Nothing at count 0.
   void ReleaseEngineUse() EXCLUDES(useLock_);
+  /// Gives back all uses that are still held, when the channel closes for good.
+  void ReleaseAllEngineUses() EXCLUDES(useLock_);
   LONG EngineUseCount() EXCLUDES(useLock_);
 
   void STDMETHODCALLTYPE OnReaderCompletion(IWDFUsbTargetPipe* pipe, IWDFMemory* memory,

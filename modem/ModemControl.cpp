@@ -40,6 +40,8 @@ HRESULT ModemControl::CloseModemControl() {
   clients_.Clear();
   channel_->ClosePort();
   channel_->Detach();
+  // A request that still runs is not stopped, but the device no longer stays awake for it.
+  channel_->ReleaseAllEngineUses();
   return S_OK;
 }
 

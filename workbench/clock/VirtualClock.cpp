@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <condition_variable>
 
 namespace bench {
 
@@ -67,7 +68,7 @@ void VirtualClock::Wake(Waiter& waiter, bool result) {
   waiter.wake.notify_one();
 }
 
-void VirtualClock::AdvanceWhileAllWait(std::unique_lock<std::mutex>& lock) {
+void VirtualClock::AdvanceWhileAllWait(std::unique_lock<Lock>& lock) {
   while (running_ == 0 && !advancing_) {
     Millis next = kForever;
     for (const Waiter* waiter : waiters_) {
@@ -79,7 +80,7 @@ void VirtualClock::AdvanceWhileAllWait(std::unique_lock<std::mutex>& lock) {
       advancing_ = true;
       const auto pause = std::chrono::duration<double, std::milli>(
           static_cast<double>(next - now_) / pace_);
-      std::condition_variable pausing;
+      std::condition_variable_any pausing;
       pausing.wait_for(lock, pause, [this] { return running_ > 0; });
       advancing_ = false;
       if (running_ > 0) return;

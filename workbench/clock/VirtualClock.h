@@ -1,11 +1,11 @@
 // Time that stands still while anybody works and jumps to the next deadline when all wait.
 #pragma once
 
-#include <condition_variable>
 #include <list>
 #include <mutex>
 
 #include "workbench/clock/Clock.h"
+#include "workbench/clock/Lock.h"
 
 namespace bench {
 
@@ -30,15 +30,15 @@ class VirtualClock final : public Clock {
     bool counted;    // a participant: it stands in `running_` while it does not wait
     bool woken = false;
     bool result = false;
-    std::condition_variable wake;
+    WakeUp wake;
   };
 
   void WakeReady();
   void Wake(Waiter& waiter, bool result);
-  void AdvanceWhileAllWait(std::unique_lock<std::mutex>& lock);
+  void AdvanceWhileAllWait(std::unique_lock<Lock>& lock);
 
   const double pace_;
-  mutable std::mutex mutex_;
+  mutable Lock mutex_;
   Millis now_ = 0;
   int running_ = 0;
   bool advancing_ = false;

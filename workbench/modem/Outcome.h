@@ -18,7 +18,7 @@ struct Outcome {
 };
 
 template <typename T>
-Outcome<T> Failure(std::string why) {
+Outcome<T> NoValue(std::string why) {
   return {.value = std::nullopt, .error = std::move(why)};
 }
 

@@ -1,0 +1,99 @@
+#include "workbench/rig/Rig.h"
+
+#include <array>
+#include <chrono>
+#include <stdexcept>
+#include <utility>
+
+#include "workbench/modem/DriveTrack.h"
+
+namespace bench {
+
+namespace {
+
+SYSTEMTIME ToSystemTime(Utc time) {
+  const auto day = std::chrono::floor<std::chrono::days>(time);
+  const std::chrono::year_month_day date(day);
+  const std::chrono::hh_mm_ss clock(time - day);
+  SYSTEMTIME result = {};
+  result.wYear = static_cast<WORD>(static_cast<int>(date.year()));
+  result.wMonth = static_cast<WORD>(static_cast<unsigned>(date.month()));
+  result.wDay = static_cast<WORD>(static_cast<unsigned>(date.day()));
+  result.wDayOfWeek = static_cast<WORD>(std::chrono::weekday(day).c_encoding());
+  result.wHour = static_cast<WORD>(clock.hours().count());
+  result.wMinute = static_cast<WORD>(clock.minutes().count());
+  result.wSecond = static_cast<WORD>(clock.seconds().count());
+  result.wMilliseconds = static_cast<WORD>(
+      std::chrono::duration_cast<std::chrono::milliseconds>(clock.subseconds()).count());
+  return result;
+}
+
+std::wstring Wide(const std::u16string& text) {
+  return {text.begin(), text.end()};
+}
+
+}  // namespace
+
+std::filesystem::path ProgramFolder() {
+  std::array<wchar_t, MAX_PATH> path{};
+  GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+  return std::filesystem::path(path.data()).parent_path();
+}
+
+Rig::Rig(Clock& clock, RigOptions options)
+    : clock_(clock),
+      sensors_({clock_, ledger_, calls_}, options.sensorService),
+      classes_(sensors_, options.withheldClasses),
+      redirector_(clock_) {
+  auto track = options.track ? std::move(options.track) : std::make_unique<DriveTrack>();
+  redirector_.Time().SetStartUtc(options.startUtc.value_or(ToSystemTime(track->Start())));
+  redirector_.Time().SetStartTicks(options.startTicks);
+  redirector_.Devices().Add(Wide(options.device.instanceId), options.deviceDescription);
+  modem_ = std::make_unique<Modem>(clock_, options.modem, std::move(track), options.observers);
+  module_ = std::make_unique<DriverModule>(ProgramFolder() / options.dll, &redirector_);
+
+  HRESULT result = module_->GetClassObject(kDriverClass, iidOf<IClassFactory>,
+                                           reinterpret_cast<void**>(factory_.Put()));
+  if (FAILED(result)) throw std::runtime_error("the DLL does not serve the driver's class");
+  redirector_.Books().Mark();
+  const stelvane::ComPtr<IDriverEntry> driver =
+      LoadDriver(*factory_.Get(), {clock_, ledger_, calls_}, result);
+  if (!driver) throw std::runtime_error("the DLL makes no driver object");
+  host_ = std::make_unique<Host>(clock_, ledger_, calls_, *modem_, driver.Get(),
+                                 std::move(options.device));
+}
+
+Rig::~Rig() {
+  Shutdown();
+}
+
+HRESULT Rig::Start() {
+  const HRESULT added = host_->AddDevice();
+  return FAILED(added) ? added : host_->Start();
+}
+
+void Rig::Shutdown() {
+  if (!module_) return;
+  if (host_->device() != nullptr) {
+    host_->Stop();
+    host_->RemoveDevice();
+  }
+  host_->Unload();
+  ledger_.ReportLeaks();
+  canUnload_ = module_->CanUnloadNow();
+  factory_.Reset();
+  module_.reset();
+}
+
+std::vector<std::string> Rig::Findings() {
+  std::vector<std::string> findings = ledger_.Violations();
+  if (const std::string books = redirector_.Books().Report(); !books.empty()) {
+    findings.push_back(books);
+  }
+  if (canUnload_ != S_OK) {
+    findings.push_back("DllCanUnloadNow does not answer S_OK");
+  }
+  return findings;
+}
+
+}  // namespace bench
