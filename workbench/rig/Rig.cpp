@@ -49,7 +49,10 @@ Rig::Rig(Clock& clock, RigOptions options)
   redirector_.Time().SetStartUtc(options.startUtc.value_or(ToSystemTime(track->Start())));
   redirector_.Time().SetStartTicks(options.startTicks);
   redirector_.Devices().Add(Wide(options.device.instanceId), options.deviceDescription);
-  modem_ = std::make_unique<Modem>(clock_, options.modem, std::move(track), options.observers);
+  otherLink_ = std::move(options.link);
+  if (!otherLink_) {
+    modem_ = std::make_unique<Modem>(clock_, options.modem, std::move(track), options.observers);
+  }
   module_ = std::make_unique<DriverModule>(ProgramFolder() / options.dll, &redirector_);
 
   HRESULT result = module_->GetClassObject(kDriverClass, iidOf<IClassFactory>,
@@ -59,7 +62,8 @@ Rig::Rig(Clock& clock, RigOptions options)
   const stelvane::ComPtr<IDriverEntry> driver =
       LoadDriver(*factory_.Get(), {clock_, ledger_, calls_}, result);
   if (!driver) throw std::runtime_error("the DLL makes no driver object");
-  host_ = std::make_unique<Host>(clock_, ledger_, calls_, *modem_, driver.Get(),
+  UsbLink& link = otherLink_ ? *otherLink_ : *modem_;
+  host_ = std::make_unique<Host>(clock_, ledger_, calls_, link, driver.Get(),
                                  std::move(options.device));
 }
 

@@ -28,6 +28,8 @@ struct RigOptions {
   /// Null: the built-in drive.
   std::unique_ptr<TrackSource> track;
   std::vector<ModemObserver*> observers;
+  /// In the modem's place, when given; the options above then matter to nobody but the clock.
+  std::unique_ptr<UsbLink> link;
   DevicePlan device = {};
   SensorService::Options sensorService = {};
   std::vector<ApiClass> withheldClasses;
@@ -63,6 +65,7 @@ class Rig {
 
   Clock& clock() { return clock_; }
   Host& host() { return *host_; }
+  /// Not to be asked for when another link took the modem's place.
   Modem& modem() { return *modem_; }
   SensorService& sensors() { return sensors_; }
   ComRegistration& classes() { return classes_; }
@@ -83,6 +86,7 @@ class Rig {
   Redirector redirector_;
   SystemRoot systemRoot_;
   std::unique_ptr<Modem> modem_;
+  std::unique_ptr<UsbLink> otherLink_;
   std::unique_ptr<DriverModule> module_;
   stelvane::ComPtr<IClassFactory> factory_;
   std::unique_ptr<Host> host_;
