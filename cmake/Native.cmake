@@ -6,6 +6,7 @@ endif()
 
 # What talks to Windows alone.
 set(windows_only_sources
+  driver/CxxRuntime.cpp     # the DLL's replacements of library parts
   driver/DllMain.cpp        # the entry point and the exports
   modem/SuplConfigFile.cpp  # reads XML through MSXML
   workbench/sensorapi/ComRegistration.cpp)

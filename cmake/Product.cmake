@@ -5,6 +5,9 @@ foreach(room IN LISTS product_rooms)
   file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${room}/*.cpp)
   list(APPEND product_sources ${sources})
 endforeach()
+# Replaces parts of the C++ library, which test programs need whole.
+set(dll_only_sources ${PROJECT_SOURCE_DIR}/driver/CxxRuntime.cpp)
+list(REMOVE_ITEM product_sources ${dll_only_sources})
 include(cmake/Trace.cmake)
 
 if(product_sources)
@@ -13,7 +16,10 @@ if(product_sources)
   target_link_libraries(product_objects PUBLIC stelvane_settings trace_headers)
   target_compile_options(product_objects PRIVATE -Os -ffunction-sections -fdata-sections)
 
-  add_library(Stelvane SHARED $<TARGET_OBJECTS:product_objects> driver/Stelvane.def)
+  add_library(Stelvane SHARED
+    $<TARGET_OBJECTS:product_objects> ${dll_only_sources} driver/Stelvane.def)
+  target_link_libraries(Stelvane PRIVATE stelvane_settings)
+  target_compile_options(Stelvane PRIVATE -Os)
   set_target_properties(Stelvane PROPERTIES
     PREFIX "" LINKER_LANGUAGE CXX RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
   target_link_options(Stelvane PRIVATE
