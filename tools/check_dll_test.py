@@ -32,6 +32,16 @@ HRESULT __stdcall DllCanUnloadNow() { return S_OK; }
 }
 BOOL WINAPI DllMain(HINSTANCE, DWORD, void*) { return TRUE; }
 """
+# Its call has no __declspec(dllimport), so the linker leads it to the import by a jump.
+WITHOUT_HEADERS = """
+extern "C" {
+extern unsigned long Microsoft_WDF_UMDF_Version[3];
+unsigned long Microsoft_WDF_UMDF_Version[3] = {1, 11, 0};
+void* __stdcall LoadLibraryA(const char*);
+long __stdcall DllGetClassObject(void*, void*, void*) { return 0; }
+long __stdcall DllCanUnloadNow() { return LoadLibraryA("x") != nullptr; }
+}
+"""
 DEFINITION = """LIBRARY Tiny
 EXPORTS
   DllGetClassObject PRIVATE
@@ -158,6 +168,10 @@ class CheckDllTest(unittest.TestCase):
     def test_a_lookup_by_name_in_the_drivers_own_code_is_caught(self):
         self.assert_broken("driver-imports", "the driver's code uses GetProcAddress", self.build(
             source=SOURCE.replace("GetLastError()", "!GetProcAddress(nullptr, nullptr)")))
+
+    def test_a_lookup_that_goes_round_the_import_slot_is_caught(self):
+        self.assert_broken("driver-imports", "the driver's code uses LoadLibraryA", self.build(
+            source=WITHOUT_HEADERS))
 
     def test_object_files_that_are_not_given_are_caught(self):
         run = subprocess.run(
