@@ -223,7 +223,7 @@ Outcome<ModemFaults> ParseFaults(std::string_view script, const std::string& nam
     if (entry.empty()) continue;
     const std::string wrong = reader.ReadLine(entry);
     if (!wrong.empty()) {
-      return Failure<ModemFaults>(name + ':' + std::to_string(number) + ": " + wrong);
+      return NoValue<ModemFaults>(name + ':' + std::to_string(number) + ": " + wrong);
     }
   }
   return {.value = std::move(reader).Faults(), .error = {}};
@@ -231,7 +231,7 @@ Outcome<ModemFaults> ParseFaults(std::string_view script, const std::string& nam
 
 Outcome<ModemFaults> LoadFaults(const std::string& path) {
   auto script = ReadFile(path);
-  if (!script) return Failure<ModemFaults>(std::move(script.error));
+  if (!script) return NoValue<ModemFaults>(std::move(script.error));
   return ParseFaults(*script, path);
 }
 

@@ -57,7 +57,7 @@ struct TimedFault {
   Millis at = 0;  // since the modem was switched on
   ModemAction action = ModemAction::kSilent;
   std::int64_t amount = 0;
-  std::string text;
+  std::string text{};
 };
 
 enum class Reaction { kSilence, kError, kLate, kTwice, kGarbage, kNoEcho, kStraggle };
@@ -72,8 +72,8 @@ struct CommandFault {
 };
 
 struct ModemFaults {
-  std::vector<TimedFault> timed;
-  std::vector<CommandFault> reactions;
+  std::vector<TimedFault> timed{};
+  std::vector<CommandFault> reactions{};
 };
 
 /// Reads a script; `name` stands before the line number in the message of a failure.

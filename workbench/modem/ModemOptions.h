@@ -30,7 +30,7 @@ struct ModemOptions {
   bool echo = false;     // at power-on
   bool engineOn = true;  // the stored GNSS switch
   std::string imsi = "001010123456789";
-  UsbProfile usbProfile;
+  UsbProfile usbProfile{};
 
   int reportForm = 0;  // 0 to 3
   ReportShape reportShape = ReportShape::kOkThenSentences;
@@ -46,7 +46,7 @@ struct ModemOptions {
   /// not functioning".
   std::int32_t stallStatus = static_cast<std::int32_t>(0x8007001F);
 
-  ModemFaults faults;
+  ModemFaults faults{};
 };
 
 }  // namespace bench

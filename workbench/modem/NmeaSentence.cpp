@@ -70,7 +70,7 @@ std::optional<Millis> NmeaSentence::TimeOfDay(std::size_t index) const {
   const auto minutes = TwoDigits(digits, 2, 59);
   const auto wholeSeconds = TwoDigits(digits, 4, 60);
   const auto seconds = ToNumber<double>(digits.substr(4));
-  if (!hours || !minutes || !wholeSeconds || !seconds) return std::nullopt;
+  if (!hours || !minutes || !wholeSeconds || !seconds || *seconds >= 61) return std::nullopt;
   return (*hours * 60 + *minutes) * Millis{60'000} + std::llround(*seconds * 1000);
 }
 

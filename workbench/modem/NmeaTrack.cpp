@@ -93,7 +93,7 @@ std::size_t PlaceInTime(std::vector<NmeaEpoch>& epochs, Millis pace) {
 
 Outcome<std::unique_ptr<NmeaTrack>> NmeaTrack::Load(const std::string& path) {
   auto text = ReadFile(path);
-  if (!text) return Failure<std::unique_ptr<NmeaTrack>>(std::move(text.error));
+  if (!text) return NoValue<std::unique_ptr<NmeaTrack>>(std::move(text.error));
   return Parse(*text, path);
 }
 
@@ -128,7 +128,7 @@ Outcome<std::unique_ptr<NmeaTrack>> NmeaTrack::Parse(std::string_view log,
   summary.jumps = PlaceInTime(epochs, track->pace_);
   track->ReadEpochs(epochs);
   if (summary.fixes == 0) {
-    return Failure<std::unique_ptr<NmeaTrack>>(name + ": no valid fix in it (" + track->Describe() +
+    return NoValue<std::unique_ptr<NmeaTrack>>(name + ": no valid fix in it (" + track->Describe() +
                                                ')');
   }
   return {.value = std::move(track), .error = {}};
@@ -179,14 +179,16 @@ Millis NmeaTrack::Length() const {
 }
 
 std::string NmeaTrack::Describe() const {
-  const auto count = [](std::size_t number, const std::string& what) {
-    return std::to_string(number) + ' ' + what;
+  const auto count = [](std::size_t number) { return std::to_string(number); };
+  std::string text = count(summary_.fixes) + " fixes in " + count(summary_.epochs) + " epochs, " +
+                     count(summary_.sentences) + " sentences in " + count(summary_.lines) +
+                     " lines";
+  const auto addUnlessZero = [&](const char* what, std::size_t number) {
+    if (number > 0) text.append(what).append(count(number));
   };
-  std::string text = count(summary_.fixes, "fixes in ") + count(summary_.epochs, "epochs, ") +
-                     count(summary_.sentences, "sentences in ") + count(summary_.lines, "lines");
-  if (summary_.badChecksums > 0) text += ", " + count(summary_.badChecksums, "bad checksums");
-  if (summary_.garbage > 0) text += ", " + count(summary_.garbage, "lines of garbage");
-  if (summary_.jumps > 0) text += ", " + count(summary_.jumps, "jumps in time");
+  addUnlessZero("; bad checksums: ", summary_.badChecksums);
+  addUnlessZero("; lines of garbage: ", summary_.garbage);
+  addUnlessZero("; jumps in time: ", summary_.jumps);
   return text;
 }
 

@@ -37,19 +37,25 @@ std::string Value(const std::optional<double>& value) {
 
 std::string Date(Utc time) {
   const std::chrono::year_month_day date(std::chrono::floor<std::chrono::days>(time));
-  return std::to_string(static_cast<int>(date.year())) + '/' +
-         std::to_string(static_cast<unsigned>(date.month())) + '/' +
-         std::to_string(static_cast<unsigned>(date.day()));
-}
-
-std::string TwoDigits(long long number) {
-  return (number < 10 ? "0" : "") + std::to_string(number);
+  std::string text = std::to_string(static_cast<int>(date.year()));
+  for (const unsigned part :
+       {static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day())}) {
+    text.append("/").append(std::to_string(part));
+  }
+  return text;
 }
 
 std::string TimeOfDay(Utc time) {
   const std::chrono::hh_mm_ss day(time - std::chrono::floor<std::chrono::days>(time));
-  return TwoDigits(day.hours().count()) + ':' + TwoDigits(day.minutes().count()) + ':' +
-         TwoDigits(day.seconds().count());
+  std::string text;
+  for (const long long part :
+       {static_cast<long long>(day.hours().count()), static_cast<long long>(day.minutes().count()),
+        static_cast<long long>(day.seconds().count())}) {
+    if (!text.empty()) text += ':';
+    if (part < 10) text += '0';
+    text += std::to_string(part);
+  }
+  return text;
 }
 
 void Round(std::optional<double>& value) {

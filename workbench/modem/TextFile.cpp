@@ -10,7 +10,7 @@ namespace bench {
 
 Outcome<std::string> ReadFile(const std::string& path) {
   const auto why = [&path] {
-    return Failure<std::string>(path + ": cannot be read: " + std::strerror(errno));
+    return NoValue<std::string>(path + ": cannot be read: " + std::strerror(errno));
   };
   struct Closer {
     void operator()(std::FILE* file) const { std::fclose(file); }

@@ -42,9 +42,10 @@ class ModemHost : public ModemObserver {
       : modem(clock, std::move(options), std::move(track), {this}) {
     modem.SetSink([this](std::string_view bytes) {
       {
+        const Millis now = clock.Now();
         const std::lock_guard lock(mutex_);
         received_ += bytes;
-        chunks_.emplace_back(clock.Now(), bytes);
+        chunks_.emplace_back(now, bytes);
       }
       clock.Notify();
     });
