@@ -50,6 +50,10 @@ void ContinuousReader::End() {
 }
 
 void ContinuousReader::DropCallbacks() {
+  if (InsideCallback()) {
+    dropAtEnd_ = true;
+    return;
+  }
   settings_.onCompletion.Reset();
   settings_.onFailure.Reset();
 }
@@ -70,6 +74,8 @@ void ContinuousReader::Run() {
     }
     world_.clock.Notify();
   }
+  readerOfThread = nullptr;
+  if (dropAtEnd_) DropCallbacks();
 }
 
 std::optional<UsbFunction::ReadEvent> ContinuousReader::Next() {

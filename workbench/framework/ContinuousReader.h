@@ -39,7 +39,7 @@ class ContinuousReader {
   void Stop();
   /// For good; the thread is gone when this returns.
   void End();
-  /// Lets go of the driver's callback objects; only after End.
+  /// Lets go of the driver's callback objects, after End; from inside a callback, once it is over.
   void DropCallbacks();
 
   /// Whether the calling thread is in one of this reader's callbacks.
@@ -60,7 +60,8 @@ class ContinuousReader {
   std::mutex mutex_;  // guards the states; taken in the clock's `ready`
   bool running_ = false;
   bool ending_ = false;
-  bool busy_ = false;  // an event is taken and its callback not over
+  bool busy_ = false;       // an event is taken and its callback not over
+  bool dropAtEnd_ = false;  // the reader's own thread alone uses it
   std::mutex threadLock_;
   Thread thread_;
 };

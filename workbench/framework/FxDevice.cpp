@@ -164,9 +164,10 @@ HRESULT FxDevice::CreateRequest(IUnknown* callbackInterface, IWDFObject* parentO
 }
 
 HRESULT FxDevice::StopIdle(BOOL) {
+  // Counted whatever the result, a planned failure too: each call has to be matched by one
+  // ResumeIdle.
+  if (IsUsable()) ++idleHolds_;
   return Invoke("IWDFDevice2::StopIdle", [&] {
-    // Counted whatever the result: each call has to be matched by one ResumeIdle.
-    ++idleHolds_;
     if (!choices_.ownsPowerPolicy) return kInvalidDeviceRequest;
     return plan_.stopIdleNeedsD0 && !wasWorking_ ? kInvalidDeviceRequest : S_OK;
   });

@@ -218,6 +218,7 @@ void Host::Unload() {
   }
   entry_.Reset();
   fxDriver_->Delete();
+  world_.ledger.WaitForDeleted();
   world_.ledger.ReportLeaks();
   state_ = State::kUnloaded;
 }

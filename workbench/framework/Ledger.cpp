@@ -49,6 +49,17 @@ void Ledger::ReportLeaks() {
   for (const std::string& leak : leaks) Report(rule::kLeak, leak);
 }
 
+void Ledger::WaitForDeleted() {
+  std::vector<FxBase*> deleted;
+  {
+    const std::lock_guard lock(objectLock_);
+    for (const auto& object : objects_) {
+      if (object->state_ != FxBase::State::kLive) deleted.push_back(object.get());
+    }
+  }
+  for (FxBase* object : deleted) object->Quiesce();
+}
+
 std::string Ledger::NextName(std::string_view kind) {
   const std::lock_guard lock(reportLock_);
   auto place = lastNumber_.find(kind);

@@ -56,6 +56,10 @@ class Ledger {
   /// Makes a violation of every object that the driver still holds.
   void ReportLeaks();
 
+  /// Waits until nothing runs on behalf of deleted objects any more: a reader whose target was
+  /// deleted from its own callback is still in it.
+  void WaitForDeleted();
+
   /// A name for the next object of a kind: "request 1", "request 2", ...
   std::string NextName(std::string_view kind);
   /// Takes over a new object; see `Make` in FxBase.h.

@@ -132,6 +132,28 @@ TEST(Host, SurpriseRemovalReachesTheDriverInAnyState) {
   EXPECT_EQ(removals, 3);
 }
 
+TEST(Host, AHookCanUnplugTheDeviceAtAChosenCall) {
+  Bench bench;
+  std::vector<std::string> order;
+  bench.script.onSurpriseRemoval = [&](IWDFDevice*) { order.push_back("removed"); };
+  bench.script.onPrepare = [&](IWDFDevice* device) {
+    for (int i = 0; i < 2; ++i) {
+      ComPtr<IWDFDriver> driver;
+      device->GetDriver(driver.Put());
+      order.push_back("called");
+    }
+    return S_OK;
+  };
+  bench.host->AddDevice();
+  bench.calls.SetHook([&](const CallEntry& entry) {
+    const bool chosen = entry.call == "IWDFDevice::GetDriver" && bench.calls.Count(entry.call) == 2;
+    if (chosen) bench.host->SurpriseRemoval();
+  });
+  EXPECT_EQ(bench.host->Start(), S_OK);
+  EXPECT_THAT(order, ElementsAre("called", "removed", "called"));
+  EXPECT_TRUE(bench.host->usb().IsUnplugged());
+}
+
 TEST(Host, ADriverThatAddsNoDeviceLeavesTheHostWithoutOne) {
   Bench bench;
   bench.script.onDeviceAdd = [](IWDFDriver*, IWDFDeviceInitialize*) { return S_OK; };
@@ -196,6 +218,17 @@ TEST(Idle, StopIdleFailsBeforeTheFirstWorkingStateAndCountsAllTheSame) {
   bench.host->Start();
   EXPECT_EQ(bench.host->device()->StopIdle(TRUE), S_OK);
   EXPECT_EQ(bench.host->device()->IdleHolds(), 2);
+}
+
+TEST(Idle, AStopThatIsPlannedToFailIsStillMatchedByAResume) {
+  Bench bench;
+  bench.host->AddDevice();
+  bench.host->Start();
+  bench.calls.FailCall("IWDFDevice2::StopIdle", 1, E_ABORT);
+  EXPECT_EQ(bench.host->device()->StopIdle(TRUE), E_ABORT);
+  bench.host->device()->ResumeIdle();
+  bench.host->Stop();
+  EXPECT_THAT(bench.ledger.Violations(), IsEmpty());
 }
 
 TEST(Idle, TheRuleAboutTheFirstWorkingStateCanBeLifted) {

@@ -236,6 +236,35 @@ TEST(Reader, StartFromTheFailureCallbackIsCaught) {
   EXPECT_EQ(bench.ledger.Count(rule::kReaderReentered), 1U);
 }
 
+TEST(Reader, AStartWhileAnotherThreadStopsIsCaught) {
+  ReaderBench bench;
+  Collected inside(bench.clock);
+  bench.script.onBytes = [&](std::string) {
+    inside.Add("in");
+    bench.clock.SleepFor(500);
+  };
+  bench.state->Start();
+  bench.modem.Say("slow");
+  inside.WaitFor(1);
+  Thread stopper(bench.clock, [&] { bench.state->Stop(WdfIoTargetCancelSentIo); });
+  bench.clock.SleepFor(100);
+  bench.state->Start();
+  stopper.Join();
+  EXPECT_EQ(bench.ledger.Count(rule::kReaderOverlap), 1U);
+}
+
+TEST(Reader, DeletingTheTargetFromItsOwnReaderIsCaughtWithoutADeadlock) {
+  ReaderBench bench;
+  bench.script.onBytes = [&](std::string bytes) {
+    bench.usb->DeleteWdfObject();
+    bench.got.Add(std::move(bytes));
+  };
+  bench.state->Start();
+  bench.modem.Say("x");
+  EXPECT_THAT(bench.got.WaitFor(1), ElementsAre("x"));
+  EXPECT_EQ(bench.ledger.Count(rule::kReaderReentered), 1U);
+}
+
 TEST(Reader, MemoryKeptBeyondTheCallbackStaysReadable) {
   ReaderBench bench;
   struct Keeper final : Counted<IUsbTargetPipeContinuousReaderCallbackReadComplete> {
