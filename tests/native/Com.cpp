@@ -1,6 +1,7 @@
 // Classes, task memory and the texts of ids.
 #include <objbase.h>
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
@@ -16,6 +17,8 @@ struct RegisteredClass {
 std::mutex classLock;
 std::map<DWORD, RegisteredClass> classes;  // by cookie; guarded by classLock
 DWORD lastCookie = 0;                      // guarded by classLock
+// A thread that did not initialise COM may use it while another one keeps it initialised.
+std::atomic<int> processInitializations{0};
 thread_local int initializations = 0;
 
 constexpr IID kClassFactory = {
@@ -35,10 +38,12 @@ IUnknown* FindFactory(REFCLSID id) {
 }  // namespace
 
 HRESULT CoInitializeEx(void* /*reserved*/, DWORD /*model*/) {
+  ++processInitializations;
   return initializations++ == 0 ? S_OK : S_FALSE;
 }
 
 void CoUninitialize() {
+  --processInitializations;
   --initializations;
 }
 
@@ -67,7 +72,7 @@ HRESULT CoRevokeClassObject(DWORD cookie) {
 HRESULT CoCreateInstance(REFCLSID id, IUnknown* outer, DWORD /*context*/, REFIID iid,
                          void** object) {
   *object = nullptr;
-  if (initializations == 0) return CO_E_NOTINITIALIZED;
+  if (processInitializations == 0) return CO_E_NOTINITIALIZED;
   IUnknown* const registered = FindFactory(id);
   if (registered == nullptr) return REGDB_E_CLASSNOTREG;
   IClassFactory* factory = nullptr;

@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <string>
+#include <thread>
 
 #include "platform/Iid.h"
 #include "tests/native/Native.h"
@@ -78,7 +79,16 @@ TEST_F(NativeClasses, AnInterfaceThatTheObjectLacksIsRefusedWithoutALeak) {
   EXPECT_EQ(factory.references, 1u);
 }
 
-TEST(NativeClassesWithoutCom, AThreadThatDidNotInitializeComCreatesNothing) {
+TEST_F(NativeClasses, AnotherThreadUsesComWhileThisOneKeepsItInitialized) {
+  HRESULT result = S_OK;
+  std::thread([&result] {
+    void* object = nullptr;
+    result = CoCreateInstance(kClass, nullptr, CLSCTX_INPROC_SERVER, iidOf<IUnknown>, &object);
+  }).join();
+  EXPECT_EQ(result, REGDB_E_CLASSNOTREG);
+}
+
+TEST(NativeClassesWithoutCom, NothingIsCreatedWhileNoThreadHasInitializedCom) {
   void* object = nullptr;
   EXPECT_EQ(CoCreateInstance(kClass, nullptr, CLSCTX_INPROC_SERVER, iidOf<IUnknown>, &object),
             CO_E_NOTINITIALIZED);

@@ -12,7 +12,7 @@ void CoUninitialize();
 HRESULT CoRegisterClassObject(REFCLSID id, IUnknown* factory, DWORD context, DWORD flags,
                               DWORD* cookie);
 HRESULT CoRevokeClassObject(DWORD cookie);
-/// CO_E_NOTINITIALIZED on a thread without CoInitializeEx, REGDB_E_CLASSNOTREG for an unknown
+/// CO_E_NOTINITIALIZED while no thread has COM initialised, REGDB_E_CLASSNOTREG for an unknown
 /// class.
 HRESULT CoCreateInstance(REFCLSID id, IUnknown* outer, DWORD context, REFIID iid, void** object);
 void* CoTaskMemAlloc(SIZE_T size);
