@@ -35,6 +35,7 @@ Host::Host(Clock& clock, Ledger& ledger, CallRecord& calls, UsbLink& link, IDriv
 
 Host::~Host() {
   fxDriver_->Delete();
+  world_.ledger.WaitForDeleted();
 }
 
 void Host::Expect(std::string_view step, std::initializer_list<State> legal) const {
