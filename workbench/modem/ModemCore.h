@@ -15,7 +15,7 @@
 
 #include "workbench/modem/Agenda.h"
 #include "workbench/modem/AtCommands.h"
-#include "workbench/modem/FaultPlan.h"
+#include "workbench/modem/CommandFaults.h"
 #include "workbench/modem/GnssEngine.h"
 #include "workbench/modem/Modem.h"
 #include "workbench/modem/PortWriter.h"
@@ -81,7 +81,7 @@ class Modem::Core {
   Agenda agenda_;
   PortWriter port_;
   GnssEngine engine_;
-  FaultPlan plan_;
+  CommandFaults commandFaults_;
   std::vector<Happening> happenings_;
   std::string inbox_;
   std::string line_;               // received, its end not yet

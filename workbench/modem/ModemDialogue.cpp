@@ -46,7 +46,7 @@ void Modem::Core::StartNextCommand(Millis now) {
   while (!busy_ && !lines_.empty()) {
     const std::string line = std::move(lines_.front());
     lines_.pop_front();
-    const auto fault = plan_.Take(line);
+    const auto fault = commandFaults_.Take(line);
     if (Is(fault, Reaction::kSilence)) continue;
     if (state_.echo && !Is(fault, Reaction::kNoEcho)) Say(now, line + std::string(kLineEnd));
     busy_ = true;
@@ -143,7 +143,7 @@ void Modem::Core::Plan(Millis from, ModemFaults faults) {
     agenda_.Add(from + fault.at, Job::kFault,
                 [this, fault = std::move(fault)](Millis due) { Apply(due, fault); });
   }
-  plan_.Add(std::move(faults.reactions));
+  commandFaults_.Add(std::move(faults.reactions));
 }
 
 void Modem::Core::Apply(Millis due, const TimedFault& fault) {

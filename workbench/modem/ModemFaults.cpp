@@ -230,7 +230,7 @@ Outcome<ModemFaults> ParseFaults(std::string_view script, const std::string& nam
 }
 
 Outcome<ModemFaults> LoadFaults(const std::string& path) {
-  auto script = ReadFile(path);
+  auto script = ReadWholeFile(path);
   if (!script) return NoValue<ModemFaults>(std::move(script.error));
   return ParseFaults(*script, path);
 }

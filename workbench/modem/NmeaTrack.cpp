@@ -92,7 +92,7 @@ std::size_t PlaceInTime(std::vector<NmeaEpoch>& epochs, Millis pace) {
 }  // namespace
 
 Outcome<std::unique_ptr<NmeaTrack>> NmeaTrack::Load(const std::string& path) {
-  auto text = ReadFile(path);
+  auto text = ReadWholeFile(path);
   if (!text) return NoValue<std::unique_ptr<NmeaTrack>>(std::move(text.error));
   return Parse(*text, path);
 }
@@ -128,8 +128,7 @@ Outcome<std::unique_ptr<NmeaTrack>> NmeaTrack::Parse(std::string_view log,
   summary.jumps = PlaceInTime(epochs, track->pace_);
   track->ReadEpochs(epochs);
   if (summary.fixes == 0) {
-    return NoValue<std::unique_ptr<NmeaTrack>>(name + ": no valid fix in it (" + track->Describe() +
-                                               ')');
+    return NoValue<std::unique_ptr<NmeaTrack>>(name + ": no valid fix: " + track->Describe());
   }
   return {.value = std::move(track), .error = {}};
 }

@@ -8,7 +8,7 @@
 
 namespace bench {
 
-Outcome<std::string> ReadFile(const std::string& path) {
+Outcome<std::string> ReadWholeFile(const std::string& path) {
   const auto why = [&path] {
     return NoValue<std::string>(path + ": cannot be read: " + std::strerror(errno));
   };

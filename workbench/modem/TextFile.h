@@ -8,6 +8,6 @@
 namespace bench {
 
 /// The file's bytes, or the path and the system's reason.
-Outcome<std::string> ReadFile(const std::string& path);
+Outcome<std::string> ReadWholeFile(const std::string& path);
 
 }  // namespace bench

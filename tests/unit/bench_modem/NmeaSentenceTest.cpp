@@ -64,7 +64,7 @@ TEST(NmeaSentence, LineWithoutADollarIsGarbage) {
 
 TEST(NmeaSentence, TimesOfDayAreReadToTheMillisecond) {
   const std::string line = WithChecksum(
-      "X,235959.999,000000,1234,246000.0,126000.0,120061.0,12a456,-10000,120000e9,120000.");
+      "X,235959.999,000000,1234,246000.0,126000.0,120061.0,12a456,-10000,120001e9,120000.");
   const NmeaSentence sentence = Read(line);
   EXPECT_EQ(sentence.TimeOfDay(1), 86'399'999);
   EXPECT_EQ(sentence.TimeOfDay(2), 0);

@@ -10,7 +10,7 @@
 namespace bench {
 
 /// Used under the modem's lock.
-class FaultPlan {
+class CommandFaults {
  public:
   void Add(std::vector<CommandFault> reactions);
 

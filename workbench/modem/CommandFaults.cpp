@@ -1,15 +1,15 @@
-#include "workbench/modem/FaultPlan.h"
+#include "workbench/modem/CommandFaults.h"
 
 #include <algorithm>
 #include <iterator>
 
 namespace bench {
 
-void FaultPlan::Add(std::vector<CommandFault> reactions) {
+void CommandFaults::Add(std::vector<CommandFault> reactions) {
   std::move(reactions.begin(), reactions.end(), std::back_inserter(reactions_));
 }
 
-std::optional<CommandFault> FaultPlan::Take(std::string_view line) {
+std::optional<CommandFault> CommandFaults::Take(std::string_view line) {
   const auto found =
       std::find_if(reactions_.begin(), reactions_.end(), [line](const CommandFault& fault) {
         return fault.count > 0 && CommandMatches(line, fault.command);
