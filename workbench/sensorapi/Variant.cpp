@@ -91,10 +91,6 @@ HRESULT CopyOwning(const PROPVARIANT& source, PROPVARIANT* target) {
   return copied ? S_OK : E_OUTOFMEMORY;
 }
 
-Variant Adopt(const PROPVARIANT& plain) {
-  return Variant(plain);
-}
-
 }  // namespace
 
 HRESULT CopyVariant(const PROPVARIANT& source, PROPVARIANT* target) {
@@ -131,63 +127,63 @@ Variant Variant::Bool(bool value) {
   PROPVARIANT plain{};
   plain.vt = VT_BOOL;
   plain.boolVal = value ? VARIANT_TRUE : VARIANT_FALSE;
-  return Adopt(plain);
+  return Variant(plain);
 }
 
 Variant Variant::I4(LONG value) {
   PROPVARIANT plain{};
   plain.vt = VT_I4;
   plain.lVal = value;
-  return Adopt(plain);
+  return Variant(plain);
 }
 
 Variant Variant::Ui4(ULONG value) {
   PROPVARIANT plain{};
   plain.vt = VT_UI4;
   plain.ulVal = value;
-  return Adopt(plain);
+  return Variant(plain);
 }
 
 Variant Variant::I8(LONGLONG value) {
   PROPVARIANT plain{};
   plain.vt = VT_I8;
   plain.hVal.QuadPart = value;
-  return Adopt(plain);
+  return Variant(plain);
 }
 
 Variant Variant::Ui8(ULONGLONG value) {
   PROPVARIANT plain{};
   plain.vt = VT_UI8;
   plain.uhVal.QuadPart = value;
-  return Adopt(plain);
+  return Variant(plain);
 }
 
 Variant Variant::R4(float value) {
   PROPVARIANT plain{};
   plain.vt = VT_R4;
   plain.fltVal = value;
-  return Adopt(plain);
+  return Variant(plain);
 }
 
 Variant Variant::R8(double value) {
   PROPVARIANT plain{};
   plain.vt = VT_R8;
   plain.dblVal = value;
-  return Adopt(plain);
+  return Variant(plain);
 }
 
 Variant Variant::Error(HRESULT value) {
   PROPVARIANT plain{};
   plain.vt = VT_ERROR;
   plain.scode = value;
-  return Adopt(plain);
+  return Variant(plain);
 }
 
 Variant Variant::FileTime(FILETIME value) {
   PROPVARIANT plain{};
   plain.vt = VT_FILETIME;
   plain.filetime = value;
-  return Adopt(plain);
+  return Variant(plain);
 }
 
 Variant Variant::Guid(const GUID& value) {

@@ -63,10 +63,10 @@ TEST(Variant, AnEmptyByteVectorStaysAnEmptyByteVector) {
 }
 
 TEST(Variant, AnUnknownTypeIsRefusedAndLeavesTheTargetEmpty) {
-  PROPVARIANT decimal{};
-  decimal.vt = VT_CY;
+  PROPVARIANT currency{};
+  currency.vt = VT_CY;
   PROPVARIANT target;
-  EXPECT_EQ(CopyVariant(decimal, &target), DISP_E_BADVARTYPE);
+  EXPECT_EQ(CopyVariant(currency, &target), DISP_E_BADVARTYPE);
   EXPECT_EQ(target.vt, VT_EMPTY);
 }
 
