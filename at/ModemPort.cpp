@@ -72,6 +72,8 @@ HRESULT ModemPort::Open(IWDFDevice* device, IUnknown* readers) {
 
   HRESULT result = SendControlLineRequest(device, usbDevice.Get());
   if (SUCCEEDED(result)) result = SearchInterfaces(usbDevice.Get(), readers);
+  // The framework gives out one USB device at a time: kept, it would bar every later opening.
+  if (FAILED(result)) Close();
   TRACE(PortOpened, result);
   return result;
 }
@@ -124,12 +126,12 @@ HRESULT ModemPort::TakePipes(IWDFUsbInterface* usbInterface) {
   for (UCHAR index = 0; index < count; ++index) {
     ComPtr<IWDFUsbTargetPipe> pipe;
     RETURN_IF_FAILED(usbInterface->RetrieveUsbPipeObject(index, pipe.Put()), PipeFailed);
-    TakePipe(pipe.Get());
+    TakePipe(index, pipe.Get());
   }
   return S_OK;
 }
 
-void ModemPort::TakePipe(IWDFUsbTargetPipe* pipe) {
+void ModemPort::TakePipe(UCHAR index, IWDFUsbTargetPipe* pipe) {
   const bool isIn = pipe->IsInEndPoint() && pipe->GetType() == UsbdPipeTypeBulk;
   const bool isOut = !isIn && pipe->IsOutEndPoint() && pipe->GetType() == UsbdPipeTypeBulk;
   if (!isIn && !isOut) return;
@@ -141,9 +143,7 @@ void ModemPort::TakePipe(IWDFUsbTargetPipe* pipe) {
       return;
     }
   }
-  WINUSB_PIPE_INFORMATION information = {};
-  pipe->GetInformation(&information);
-  TRACE(ExtraPipe, ULONG{information.PipeId});
+  TRACE(ExtraPipe, ULONG{index});
 }
 
 }  // namespace stelvane

@@ -17,8 +17,8 @@ class ModemPort {
   /// Wakes the command port with a control-line request, takes the pipes of the first interface
   /// with exactly two endpoints, both bulk, and configures the continuous reader with `readers`
   /// (which must answer both reader callbacks). Does not start the reader. kNoAtPort when no
-  /// interface qualifies, else the result of the first step that failed; pipes taken before a
-  /// failure stay.
+  /// interface qualifies, else the result of the first step that failed; after a failure the
+  /// port is closed.
   HRESULT Open(IWDFDevice* device, IUnknown* readers);
 
   /// Releases both pipes and deletes the USB target device.
@@ -30,7 +30,7 @@ class ModemPort {
  private:
   HRESULT SearchInterfaces(IWDFUsbTargetDevice* usbDevice, IUnknown* readers);
   HRESULT TakePipes(IWDFUsbInterface* usbInterface);
-  void TakePipe(IWDFUsbTargetPipe* pipe) EXCLUDES(lock_);
+  void TakePipe(UCHAR index, IWDFUsbTargetPipe* pipe) EXCLUDES(lock_);
 
   CriticalSection lock_;
   ComPtr<IWDFUsbTargetPipe> bulkInPipe_ GUARDED_BY(lock_);   // modem to driver
