@@ -1,0 +1,83 @@
+// What the AT channel answers to the framework, and how a command line is put together.
+
+#include "at/AtChannel.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "at/CommandEngine.h"
+
+namespace stelvane {
+namespace {
+
+class Sink final : public LineSink {
+ public:
+  void DispatchLine(std::string_view) noexcept override { ++lines; }
+  bool IsStopping() noexcept override { return stopping; }
+
+  bool stopping = false;
+  int lines = 0;
+};
+
+class AtChannelCallbacks : public testing::Test {
+ protected:
+  void SetUp() override { ASSERT_EQ(CreateObject(channel_), S_OK); }
+  void TearDown() override { channel_->Detach(); }
+
+  ComPtr<AtChannel> channel_;
+  Sink sink_;
+};
+
+TEST_F(AtChannelCallbacks, FailedReadersAreToBeRestarted) {
+  channel_->Attach(sink_);
+  EXPECT_EQ(channel_->OnReaderFailure(nullptr, E_FAIL), TRUE);
+}
+
+TEST_F(AtChannelCallbacks, FailedReadersStayDownWhileTheCoreStops) {
+  channel_->Attach(sink_);
+  sink_.stopping = true;
+  EXPECT_EQ(channel_->OnReaderFailure(nullptr, E_FAIL), FALSE);
+}
+
+TEST_F(AtChannelCallbacks, FailedReadersStayDownWhenNobodyListens) {
+  EXPECT_EQ(channel_->OnReaderFailure(nullptr, E_FAIL), FALSE);
+}
+
+TEST_F(AtChannelCallbacks, ACompletionWithoutAMemoryIsNothing) {
+  channel_->Attach(sink_);
+  channel_->OnReaderCompletion(nullptr, nullptr, 10, nullptr);
+  EXPECT_EQ(sink_.lines, 0);
+}
+
+TEST_F(AtChannelCallbacks, ReadingCannotStartWithoutPipes) {
+  EXPECT_EQ(channel_->StartReading(true), static_cast<HRESULT>(0x80070002));
+  EXPECT_EQ(channel_->StartReading(false), static_cast<HRESULT>(0x80070002));
+}
+
+TEST_F(AtChannelCallbacks, AReleaseAtCountZeroDoesNothing) {
+  channel_->ReleaseEngineUse();
+  EXPECT_EQ(channel_->EngineUseCount(), 0);
+}
+
+TEST(AtCommandLine, APrefixAloneIsTheLine) {
+  EXPECT_EQ(BuildCommandLine("AT+CIMI", std::nullopt, std::nullopt), "AT+CIMI");
+}
+
+TEST(AtCommandLine, ANameFollowsAPlusSign) {
+  EXPECT_EQ(BuildCommandLine("AT", "XLCSSWITCH", std::nullopt), "AT+XLCSSWITCH");
+}
+
+TEST(AtCommandLine, ArgumentsFollowAnEqualSign) {
+  EXPECT_EQ(BuildCommandLine("AT", "XLCSLQOS", "50"), "AT+XLCSLQOS=50");
+}
+
+TEST(AtCommandLine, EmptyArgumentsLeaveTheEqualSign) {
+  EXPECT_EQ(BuildCommandLine("AT", "XLCSSUPLVER", ""), "AT+XLCSSUPLVER=");
+}
+
+TEST(AtCommandLine, ArgumentsWithoutANameAreNotUsed) {
+  EXPECT_EQ(BuildCommandLine("ATE1", std::nullopt, "50"), "ATE1");
+}
+
+}  // namespace
+}  // namespace stelvane
