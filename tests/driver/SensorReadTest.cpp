@@ -22,16 +22,19 @@ class SensorRead : public SensorTest {
     return {
         .result = answer.result, .took = clock_.Now() - from, .values = std::move(answer.values)};
   }
-  // A subscriber in state ready; its fix came at this time, which is returned.
+  // A subscriber in state ready; its second fix came at this time, which is returned.
   Millis Ready(ULONG interval) {
     StartSensor();
     client_ = Subscriber(interval);
     RunUntil(1000);
-    modem().SayReport(FixNow());
-    Settle();
+    SayFix();
+    const Millis second = 1000 + static_cast<Millis>(interval);
+    RunUntil(second);
+    SayFix();
     EXPECT_EQ(State(), SENSOR_STATE_READY);
+    EXPECT_EQ(ReportCount(), 2U);
     Mark();
-    return 1000;
+    return second;
   }
   Result Read() { return Read(*client_); }
   GnssFix FixAtLatitude(double latitude, double longitude) {
@@ -70,7 +73,7 @@ TEST_F(SensorRead, AFixThatIsNotReportedKeepsDataFreshAllTheSame) {
   const Millis fix = Ready(5000);
   RunUntil(fix + 3000);
   SayFix();
-  EXPECT_EQ(ReportCount(), 1U);
+  EXPECT_EQ(ReportCount(), 2U);
   RunUntil(fix + 4900);
   EXPECT_EQ(Read().took, 0);
   EXPECT_EQ(Posted("EV_DATA_REQUESTED"), 0U);
@@ -210,6 +213,19 @@ TEST_F(SensorRead, AFixIsLostAtTwiceTheInterval) {
   RunUntil(fix + 10'001);
   EXPECT_EQ(Posted("EV_FIX_LOST"), 1U);
   EXPECT_EQ(State(), SENSOR_STATE_INITIALIZING);
+}
+
+// The report goes out on the way into the state; the fix itself then counts as one too early.
+TEST_F(SensorRead, TheFixThatMakesTheSensorReadyDoesNotPutTheCheckOff) {
+  StartSensor();
+  client_ = Subscriber(5000);
+  const Millis subscribed = clock_.Now() - 1;
+  RunUntil(1000);
+  SayFix();
+  RunFor(60'000);
+  EXPECT_THAT(TimesOfTimer("TIMER_CHECK_FIX_LOST"), ElementsAre(subscribed + 10'000));
+  EXPECT_EQ(Posted("EV_FIX_LOST"), 0U) << "nine seconds after the report";
+  EXPECT_EQ(State(), SENSOR_STATE_READY);
 }
 
 TEST_F(SensorRead, EachReportPutsTheLossOff) {

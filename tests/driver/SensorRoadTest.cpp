@@ -1,4 +1,4 @@
-// Reports at the clients' intervals, with a modem that drives along its own track.
+// Reports at the clients' intervals, with the whole simulated modem at the other end.
 
 #include <algorithm>
 
@@ -9,7 +9,7 @@ namespace bench {
 namespace {
 
 using testing::Each;
-using testing::IsEmpty;
+using testing::ElementsAre;
 using testing::SizeIs;
 
 // When each location request was written.
@@ -29,6 +29,23 @@ class Requests final : public ModemObserver {
  private:
   mutable std::mutex mutex_;
   std::vector<Millis> times_;
+};
+
+// A receiver that has a fix each second and never loses it.
+class SteadyTrack final : public TrackSource {
+ public:
+  std::optional<GnssFix> At(Millis t) const override {
+    GnssFix fix;
+    fix.time = Start() + std::chrono::floor<std::chrono::seconds>(std::chrono::milliseconds(t));
+    fix.latitude = 48.125;
+    fix.longitude = 11.5;
+    fix.sentences = {"$GPGGA,,,,,,0,,,,,,,,*66"};
+    return fix;
+  }
+  Utc Start() const override {
+    return std::chrono::sys_days(std::chrono::year(2014) / std::chrono::July / 3);
+  }
+  Millis Length() const override { return kForever; }
 };
 
 constexpr std::int64_t kSecond = 10'000'000;  // of a FILETIME
@@ -56,9 +73,13 @@ std::vector<Millis> Differences(const std::vector<Millis>& times) {
 
 class SensorRoad : public RigTest {
  protected:
-  void StartRoad() {
+  // Each fix after the first takes half a second.
+  void StartRoad(Millis firstFixTakes = 500) {
     RigOptions options;
+    options.modem.coldStart = firstFixTakes;
+    options.modem.hotStart = 500;
     options.observers = {&requests_};
+    options.track = std::make_unique<SteadyTrack>();
     Start(std::move(options));
   }
   std::unique_ptr<ClientSession> Subscriber(ULONG interval) {
@@ -104,9 +125,18 @@ TEST_F(SensorRoad, AtALongIntervalEachFixIsAskedForOnItsOwnAndTheEngineRestsInBe
   const Millis subscribed = clock_.Now();
   ASSERT_TRUE(client->WaitForReports(3, subscribed + 600'000));
   const auto asked = requests_.After(subscribed + 30'000);
-  ASSERT_THAT(asked, SizeIs(3));
+  EXPECT_THAT(asked, SizeIs(3));
   EXPECT_THAT(Differences(asked), Each(60'000));
   EXPECT_FALSE(rig().modem().Snapshot().running.has_value());
+}
+
+// The second fix is younger than the interval when it comes, and the next one comes a whole
+// interval later.
+TEST_F(SensorRoad, AtALongIntervalAFirstFixThatTookLongerThanTheNextOneCostsAReport) {
+  StartRoad(2000);
+  const auto client = Subscriber(9000);
+  ASSERT_TRUE(client->WaitForReports(4, clock_.Now() + 600'000));
+  EXPECT_THAT(Spacing(client->Reports()), ElementsAre(16'000, 9000, 9000));
 }
 
 TEST_F(SensorRoad, OfTwoClientsBothGetTheFastOnesReports) {

@@ -101,7 +101,7 @@ TEST_F(SensorStart, EventsThatWaitWhenTheDeviceStopsAreNotHandled) {
   client.reset();
   const auto handled = Log(Doing::kHandled);
   EXPECT_EQ(handled.size(), 1U);
-  rig().host().Stop();
+  rig().Shutdown();
   EXPECT_EQ(Log(Doing::kHandled), handled);
   EXPECT_THAT(TimesOf(Periodic(3)), IsEmpty());
 }
@@ -111,7 +111,7 @@ TEST_F(SensorStart, NoCommandIsSentOnTheWayDown) {
   const auto client = Subscriber(5000);
   SayFix();
   Mark();
-  rig().host().Stop();
+  rig().Shutdown();
   EXPECT_THAT(Commands(), IsEmpty());
   EXPECT_EQ(EngineUses(), 0);
 }
