@@ -9,7 +9,7 @@ set(windows_only_sources
   driver/CxxRuntime.cpp     # the DLL's replacements of library parts
   driver/DllMain.cpp        # the entry point and the exports
   modem/SuplConfigFile.cpp)  # reads XML through MSXML
-set(windows_only_tests platform bench_imports trace)
+set(windows_only_tests platform bench_imports trace modem)
 set(native_bench_rooms clock framework sensorapi modem)
 
 # Everything is compiled alike, GoogleTest too: half a sanitized program reports what is not there.
