@@ -1,4 +1,8 @@
 # The workbench as a user runs it.
-if(TARGET workbench)
-  target_compile_definitions(workbench PRIVATE WORKBENCH_VERSION="${PROJECT_VERSION}")
-endif()
+target_compile_definitions(workbench PRIVATE WORKBENCH_VERSION="${PROJECT_VERSION}")
+
+find_package(Python3 REQUIRED COMPONENTS Interpreter)
+add_test(NAME cli
+  COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/cli/cli_test.py
+    ${PROJECT_SOURCE_DIR}/tools/wine-run $<TARGET_FILE:workbench>)
+set_tests_properties(cli PROPERTIES TIMEOUT 300)

@@ -46,7 +46,7 @@ std::string ReadScript(const DemoOptions& options, DemoFiles& files) {
 std::string ReadConfig(const DemoOptions& options, DemoFiles& files) {
   files.suplConfig = kDemoSuplConfig;
   if (options.config.empty()) return {};
-  auto text = ReadFile(options.config);
+  auto text = ReadWholeFile(options.config);
   if (!text) return text.error;
   files.suplConfig = std::move(*text);
   return {};

@@ -116,6 +116,8 @@ void DemoRun::Deliver() {
   if (!options_.nmea.empty()) OpenTrack();
   from_ = clock_.Now();
   until_ = from_ + length;
+  // Up to one start goes by before the modem sees that the log has begun.
+  if (!options_.nmea.empty()) until_ += files_.modem.coldStart;
   if (!showsAll_ && !options_.quiet) nextProgress_ = from_ + kMinute;
 
   struct Deed {
