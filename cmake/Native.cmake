@@ -10,7 +10,7 @@ set(windows_only_sources
   driver/DllMain.cpp        # the entry point and the exports
   modem/SuplConfigFile.cpp)  # reads XML through MSXML
 set(windows_only_tests platform bench_imports trace modem)
-set(native_bench_rooms clock framework sensorapi modem)
+set(native_bench_rooms clock framework sensorapi modem record)
 
 # Everything is compiled alike, GoogleTest too: half a sanitized program reports what is not there.
 add_compile_options(-fshort-wchar)
@@ -58,6 +58,7 @@ list(FILTER stand_in_sources EXCLUDE REGEX "Test\\.cpp$")
 portable_sources(product_sources base at modem sensor driver)
 list(TRANSFORM native_bench_rooms PREPEND workbench/)
 portable_sources(bench_sources ${native_bench_rooms})
+list(APPEND bench_sources ${PROJECT_SOURCE_DIR}/workbench/imports/TraceSession.cpp)
 
 # The libraries refer to each other: the workbench to the product's declarations and to the
 # kernel, the stand-in to the workbench's clock.

@@ -1,16 +1,21 @@
 // Classes, variants, registry, texts and tracing of the stand-in.
-#include <evntrace.h>
 #include <gtest/gtest.h>
 #include <objbase.h>
 #include <oleauto.h>
 #include <propidl.h>
+#include <wmistr.h>
+
+#include <evntrace.h>
 
 #include <atomic>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "platform/Iid.h"
 #include "tests/native/Native.h"
+#include "workbench/clock/VirtualClock.h"
+#include "workbench/imports/TraceSession.h"
 
 namespace {
 
@@ -188,34 +193,45 @@ TEST(NativeText, ARoomThatIsTooSmallIsRefused) {
   EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
 }
 
-std::atomic<int> lastRequest{0};
-ULONG OnControl(WMIDPREQUESTCODE request, void* /*context*/, ULONG* /*size*/, void* buffer) {
-  lastRequest = request;
-  return GetTraceEnableLevel(GetTraceLoggerHandle(buffer)) == 4 ? ULONG{ERROR_SUCCESS}
-                                                                : ERROR_INVALID_PARAMETER;
+TRACEHANDLE heardLogger = 0;
+ULONG OnControl(WMIDPREQUESTCODE /*request*/, void* /*context*/, ULONG* /*size*/, void* buffer) {
+  heardLogger = GetTraceLoggerHandle(buffer);
+  return ERROR_SUCCESS;
 }
 
-TEST(NativeTracing, TheRegisteredProviderHearsOfTheListener) {
-  EXPECT_FALSE(native::EnableTracing(4, 0xFF));
+TEST(NativeTracing, AProviderHearsOfTheListenerAndIsHeard) {
+  bench::VirtualClock clock;
+  bench::TraceSession session(clock);
+  native::UseTraceSession(&session);
   TRACE_GUID_REGISTRATION messages = {&kClass, nullptr};
   TRACEHANDLE registration = 0;
   ASSERT_EQ(RegisterTraceGuidsW(OnControl, nullptr, &kClass, 1, &messages, nullptr, nullptr,
                                 &registration),
             ULONG{ERROR_SUCCESS});
-  EXPECT_TRUE(native::EnableTracing(4, 0xFF));
-  EXPECT_EQ(lastRequest, WMI_ENABLE_EVENTS);
-  EXPECT_EQ(GetTraceEnableFlags(0), 0xFFu);
-  native::DisableTracing();
-  EXPECT_EQ(lastRequest, WMI_DISABLE_EVENTS);
+  session.Enable(4, 0xFF);
+  EXPECT_EQ(GetTraceEnableLevel(heardLogger), 4);
+  EXPECT_EQ(GetTraceEnableFlags(heardLogger), 0xFFu);
+  const ULONG value = 0x01020304;
+  TraceMessage(heardLogger, TRACE_MESSAGE_GUID, &kClass, 10, &value, SIZE_T{sizeof value},
+               static_cast<void*>(nullptr));
+  const std::vector<bench::TraceRecord> heard = session.TakeMessages();
+  ASSERT_EQ(heard.size(), 1u);
+  EXPECT_EQ(heard[0].number, 10);
+  EXPECT_EQ(heard[0].arguments, (std::vector<BYTE>{4, 3, 2, 1}));
   UnregisterTraceGuids(registration);
-  EXPECT_FALSE(native::EnableTracing(4, 0xFF));
+  EXPECT_TRUE(session.Providers().empty());
+  native::UseTraceSession(nullptr);
 }
 
-TEST(NativeTracing, MessagesAreCounted) {
-  const std::size_t before = native::TracedMessages();
-  const ULONG value = 5;
-  TraceMessage(1, 0, &kClass, 10, &value, SIZE_T{sizeof value}, static_cast<void*>(nullptr));
-  EXPECT_EQ(native::TracedMessages(), before + 1);
+TEST(NativeTracing, WithoutASessionAProviderRegistersAndNobodyListens) {
+  TRACE_GUID_REGISTRATION messages = {&kClass, nullptr};
+  TRACEHANDLE registration = 0;
+  EXPECT_EQ(RegisterTraceGuidsW(OnControl, nullptr, &kClass, 1, &messages, nullptr, nullptr,
+                                &registration),
+            ULONG{ERROR_SUCCESS});
+  EXPECT_NE(registration, 0u);
+  EXPECT_NE(TraceMessage(1, 0, &kClass, 10, static_cast<void*>(nullptr)), ULONG{ERROR_SUCCESS});
+  EXPECT_EQ(UnregisterTraceGuids(registration), ULONG{ERROR_SUCCESS});
 }
 
 }  // namespace

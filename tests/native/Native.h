@@ -1,13 +1,17 @@
-// How a test steers the stand-in for the kernel: its clock, its registry, its texts, its tracing.
+// How a test steers the stand-in for the kernel: its clock, its registry and the rest.
 #pragma once
 
 #include <windows.h>
 
 #include <cstddef>
+#include <optional>
+
+#include "modem/SuplRecord.h"
 
 namespace bench {
 class Clock;
-}
+class TraceSession;
+}  // namespace bench
 
 namespace native {
 
@@ -33,12 +37,12 @@ void SetDeviceDescription(LPCWSTR text);
 /// The text that the system has for every message id; null, the default, is none.
 void SetMessageText(LPCWSTR text);
 
-/// Calls the registered control callback as a listener with this level and these flags would.
-/// False when no provider is registered.
-bool EnableTracing(UCHAR level, ULONG flags);
-void DisableTracing();
-/// How many messages TraceMessage was given since the process began.
-std::size_t TracedMessages();
+/// The record that the SUPL configuration file holds, whoever asks; nothing: there is no file.
+void SetSuplRecord(std::optional<stelvane::SuplRecord> record);
+
+/// The session that providers register with and trace to; null, the default: nobody listens. To be
+/// changed while no provider is registered.
+void UseTraceSession(bench::TraceSession* inUse);
 
 /// Handles that are open now; the difference over a test shows a leak.
 std::size_t OpenHandles();

@@ -1,83 +1,65 @@
-// The system's side of event tracing: one provider, one listener.
+// The system's side of event tracing: what the session in use makes of it.
 #include <windows.h>
+
+#include <wmistr.h>
 
 #include <evntrace.h>
 
 #include <atomic>
 #include <cstdarg>
-#include <cstddef>
 
 #include "tests/native/Native.h"
+#include "workbench/imports/TraceSession.h"
 
 namespace {
 
-constexpr TRACEHANDLE kRegistration = 0x7001;
-constexpr TRACEHANDLE kLogger = 0x7002;
+constexpr TRACEHANDLE kUnheard = 1;  // the registration of a provider that no session knows
 
-std::atomic<WMIDPREQUEST> provider{nullptr};
-std::atomic<UCHAR> enabledLevel{0};
-std::atomic<ULONG> enabledFlags{0};
-std::atomic<std::size_t> messages{0};
-// The sum of all bytes traced: reading them is what lets a sanitizer check each argument.
-std::atomic<unsigned> checksum{0};
-
-bool Request(WMIDPREQUESTCODE code) {
-  const WMIDPREQUEST callback = provider;
-  if (callback == nullptr) return false;
-  ULONG size = 0;
-  return callback(code, nullptr, &size, &size) == ERROR_SUCCESS;
-}
+std::atomic<bench::TraceSession*> session{nullptr};
 
 }  // namespace
 
-bool native::EnableTracing(UCHAR level, ULONG flags) {
-  enabledLevel = level;
-  enabledFlags = flags;
-  return Request(WMI_ENABLE_EVENTS);
+void native::UseTraceSession(bench::TraceSession* inUse) {
+  session = inUse;
 }
 
-void native::DisableTracing() {
-  Request(WMI_DISABLE_EVENTS);
-}
-
-std::size_t native::TracedMessages() {
-  return messages;
-}
-
-ULONG RegisterTraceGuidsW(WMIDPREQUEST callback, void* /*context*/, LPCGUID /*control*/,
-                          ULONG /*count*/, PTRACE_GUID_REGISTRATION /*guids*/,
-                          LPCWSTR /*imagePath*/, LPCWSTR /*resourceName*/,
-                          TRACEHANDLE* registration) {
-  provider = callback;
-  *registration = kRegistration;
+ULONG RegisterTraceGuidsW(WMIDPREQUEST callback, void* context, LPCGUID control, ULONG count,
+                          PTRACE_GUID_REGISTRATION guids, LPCWSTR /*imagePath*/,
+                          LPCWSTR /*resourceName*/, TRACEHANDLE* registration) {
+  if (bench::TraceSession* const it = session) {
+    return it->Register(callback, context, control, count, guids, registration);
+  }
+  *registration = kUnheard;
   return ERROR_SUCCESS;
 }
 
-ULONG UnregisterTraceGuids(TRACEHANDLE /*registration*/) {
-  provider = nullptr;
-  return ERROR_SUCCESS;
+ULONG UnregisterTraceGuids(TRACEHANDLE registration) {
+  bench::TraceSession* const it = session;
+  return it != nullptr && registration != kUnheard ? it->Unregister(registration)
+                                                   : ULONG{ERROR_SUCCESS};
 }
 
-TRACEHANDLE GetTraceLoggerHandle(void* /*buffer*/) {
-  return kLogger;
-}
-UCHAR GetTraceEnableLevel(TRACEHANDLE /*logger*/) {
-  return enabledLevel;
-}
-ULONG GetTraceEnableFlags(TRACEHANDLE /*logger*/) {
-  return enabledFlags;
+TRACEHANDLE GetTraceLoggerHandle(void* buffer) {
+  const bench::TraceSession* const it = session;
+  return it != nullptr ? it->LoggerHandle(buffer) : 0;
 }
 
-ULONG TraceMessage(TRACEHANDLE /*logger*/, ULONG /*flags*/, LPCGUID guid, UINT number, ...) {
-  unsigned sum = guid->Data1 + number;
+UCHAR GetTraceEnableLevel(TRACEHANDLE logger) {
+  const bench::TraceSession* const it = session;
+  return it != nullptr ? it->EnableLevel(logger) : UCHAR{0};
+}
+
+ULONG GetTraceEnableFlags(TRACEHANDLE logger) {
+  const bench::TraceSession* const it = session;
+  return it != nullptr ? it->EnableFlags(logger) : 0;
+}
+
+ULONG TraceMessage(TRACEHANDLE logger, ULONG flags, LPCGUID guid, UINT number, ...) {
+  bench::TraceSession* const it = session;
+  if (it == nullptr) return static_cast<ULONG>(ERROR_INVALID_HANDLE);
   va_list arguments;
   va_start(arguments, number);
-  while (const auto* bytes = va_arg(arguments, const UCHAR*)) {
-    const SIZE_T size = va_arg(arguments, SIZE_T);
-    for (SIZE_T i = 0; i < size; ++i) sum += bytes[i];
-  }
+  const ULONG result = it->Message(logger, flags, guid, static_cast<USHORT>(number), arguments);
   va_end(arguments);
-  checksum += sum;
-  ++messages;
-  return ERROR_SUCCESS;
+  return result;
 }

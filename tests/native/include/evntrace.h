@@ -1,4 +1,4 @@
-// Event tracing, see native::EnableTracing.
+// Event tracing, see native::UseTraceSession.
 #pragma once
 
 #include <wmistr.h>
