@@ -238,6 +238,8 @@ TEST_F(SensorPower, ARunningPeriodicRequestIsStartedAgainAfterAPowerCycle) {
   Cycle();
   EXPECT_THAT(Log(Doing::kPosted), ElementsAre("EV_REFRESH_REPORTING"));
   EXPECT_THAT(Requests(), ElementsAre("AT+XLSRSTOP=0,2", Periodic(5)));
+  // The resume and the stop both gave the use of the first request back; it is kept so on purpose.
+  EXPECT_EQ(EngineUses(), 0);
   RunFor(5000);
   const std::size_t before = ReportCount();
   SayFix();
