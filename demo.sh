@@ -6,6 +6,7 @@ root=$(dirname "$(realpath "${BASH_SOURCE[0]}")")
 build=$root/build/windows-x64
 
 "$root/tools/install-packages"
+[ -e "$build/workbench.exe" ] || echo "building; this takes some minutes the first time" >&2
 (cd "$root" && tools/configure windows-x64)
 "$root/tools/quietly" "$root/build/log/windows-x64-build.log" \
   cmake --build "$build" --target workbench

@@ -46,7 +46,7 @@ announceStep() {
   printf '%-14s' "$step"
   runStep "$step" >build/log/step.log 2>&1 || ok=no
   if [ -f "$results/$step.xml" ]; then
-    read -r stepPassed stepFailed < <(tools/count-tests "$results/$step.xml")
+    read -r stepPassed stepFailed <<<"$(tools/count-tests "$results/$step.xml" || echo 0 1)"
     note="  $stepPassed passed, $stepFailed failed"
   fi
   [ $ok = no ] && [ "$stepFailed" = 0 ] && stepFailed=1
