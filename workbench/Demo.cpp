@@ -1,9 +1,8 @@
 #include "workbench/Demo.h"
 
 #include <cstdio>
-#include <filesystem>
-#include <memory>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 #include "workbench/DemoFiles.h"
