@@ -156,6 +156,7 @@ TEST_F(SensorRead, WhenTheRadioGoesOffTheReadEnds) {
   RunUntil(fix + 4000);
   const Later off(clock_, fix + 4500, [this] { SwitchRadio(false); });
   EXPECT_EQ(Read().took, 500);
+  Settle();
   EXPECT_EQ(State(), SENSOR_STATE_NOT_AVAILABLE);
 }
 
@@ -204,6 +205,25 @@ TEST_F(SensorRead, CoordinatesThatAreNoPlaceOnEarthAreUnexpectedAfterAReadInVain
   Mark();
   EXPECT_EQ(Read().result, E_UNEXPECTED);
   EXPECT_EQ(Posted("EV_FIX_LOST"), 1U);
+}
+
+TEST_F(SensorRead, AFixThatArrivesBeforeTheWorkerSeesALossMakesTheLossStale) {
+  const Millis fix = Ready(5000);
+  RunUntil(fix + 2500);
+  modem().Withhold("AT+XLSRSTOP");
+  EXPECT_TRUE(client_->SetReportInterval(4000).Accepted());  // the worker waits for the stop
+  Settle();
+  EXPECT_EQ(Read().took, 1800);
+  modem().SayReport(FixNow());
+  Settle();
+  EXPECT_THAT(Log(Doing::kPosted), ElementsAre("EV_REFRESH_REPORTING", "EV_DATA_REQUESTED",
+                                               "EV_FIX_LOST", "EV_DATA_ARRIVED"));
+  modem().ObeyAll();
+  modem().Say("+XLSRSTOP: 2");
+  Settle();
+  EXPECT_THAT(Log(Doing::kHandled), ElementsAre("EV_REFRESH_REPORTING in SENSOR_STATE_READY",
+                                                "EV_DATA_REQUESTED in SENSOR_STATE_READY",
+                                                "EV_DATA_ARRIVED in SENSOR_STATE_READY"));
 }
 
 TEST_F(SensorRead, AFixIsLostAtTwiceTheInterval) {
