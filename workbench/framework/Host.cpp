@@ -233,6 +233,7 @@ HRESULT Host::Start() {
 }
 
 HRESULT Host::Stop() {
+  if (state_ == State::kAdded || state_ == State::kReleased) return S_OK;
   HRESULT first = S_OK;
   const auto keep = [&first](HRESULT result) {
     if (SUCCEEDED(first)) first = result;

@@ -70,7 +70,8 @@ class Host {
   // ---- Sequences.
   /// Prepare, D0 entry, self-managed I/O init. Stops at the first failure, unwinds, returns it.
   HRESULT Start();
-  /// From whatever state on: suspend, D0 exit, flush, cleanup, release. The first failure.
+  /// From whatever state on: suspend, D0 exit, flush, cleanup, release; nothing for a device that
+  /// never started or has stopped. The first failure.
   HRESULT Stop();
   /// Suspend and D0 exit.
   HRESULT PowerDown(WDF_POWER_DEVICE_STATE newState = WdfPowerDeviceD3);

@@ -76,13 +76,18 @@ HRESULT Rig::Start() {
   return FAILED(added) ? added : host_->Start();
 }
 
-void Rig::Shutdown() {
-  if (!module_) return;
+void Rig::ReleaseDriver() {
+  if (std::exchange(released_, true)) return;
   if (host_->device() != nullptr) {
     host_->Stop();
     host_->RemoveDevice();
   }
   host_->Unload();
+}
+
+void Rig::Shutdown() {
+  if (!module_) return;
+  ReleaseDriver();
   ledger_.ReportLeaks();
   canUnload_ = module_->CanUnloadNow();
   factory_.Reset();

@@ -53,6 +53,8 @@ class Rig {
 
   /// Adds the device and starts it, as far as it goes.
   HRESULT Start();
+  /// Stops the device, takes it away and lets go of the driver object; the module stays loaded.
+  void ReleaseDriver();
   /// Stops the device, takes it away, lets go of the driver object and unloads the module, whose
   /// members below are gone then. Clients must have disconnected, or been destroyed.
   void Shutdown();
@@ -90,6 +92,7 @@ class Rig {
   std::unique_ptr<DriverModule> module_;
   stelvane::ComPtr<IClassFactory> factory_;
   std::unique_ptr<Host> host_;
+  bool released_ = false;
   HRESULT canUnload_ = S_FALSE;
 };
 

@@ -1,0 +1,58 @@
+// A test with a rig: whatever it does, nothing may be left behind and no rule broken.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <utility>
+
+#include "workbench/clock/VirtualClock.h"
+#include "workbench/framework/FxDevice.h"
+#include "workbench/rig/Rig.h"
+
+namespace bench {
+
+class RigTest : public testing::Test {
+ protected:
+  void TearDown() override {
+    if (!rig_) return;
+    rig_->Shutdown();
+    EXPECT_THAT(rig_->Findings(), testing::IsEmpty());
+  }
+
+  /// Loads the DLL; may be called once.
+  Rig& Load(RigOptions options = {}) {
+    rig_ = std::make_unique<Rig>(clock_, std::move(options));
+    return *rig_;
+  }
+  /// Loads the DLL and starts the device.
+  Rig& Start(RigOptions options = {}) {
+    Rig& rig = Load(std::move(options));
+    EXPECT_EQ(rig.Start(), S_OK);
+    return rig;
+  }
+  Rig& rig() { return *rig_; }
+  /// Makes the DLL throw once on this thread: the C++ runtime keeps a few blocks for a thread from
+  /// its first exception on. Before anything else has been made.
+  void LetTheRuntimeSettle() {
+    void* object = nullptr;
+    faults().Clear();
+    faults().FailImport("malloc", 1);
+    EXPECT_EQ(rig_->factory().CreateInstance(nullptr, iidOf<IUnknown>, &object), E_OUTOFMEMORY);
+    faults().Clear();
+    rig_->redirector().Books().Mark();
+  }
+  const DeviceCallbackSet& callbacks() { return rig_->host().device()->callbacks(); }
+  FxDevice* device() { return rig_->host().device(); }
+  FaultPlan& faults() { return rig_->redirector().Faults(); }
+
+  VirtualClock clock_;
+
+ private:
+  std::unique_ptr<Rig> rig_;
+};
+
+inline constexpr HRESULT kShutdownInProgress = static_cast<HRESULT>(0x8007045BL);
+
+}  // namespace bench
