@@ -165,6 +165,11 @@ class Log(WorkbenchCase):
         self.assertEqual(clients(text), [(fixes, fixes, fixes)])
         self.assertIn("54.918", text)
 
+    def test_may_have_a_name_outside_ascii(self):
+        with open(HARBOUR, encoding="ascii") as log:
+            name = self.file("h\u00e4fen \u6e2f.nmea", log.read())
+        self.assertEqual(clients(self.demo("--quiet", "--nmea", name)), [(11, 11, 11)])
+
 
 class Setting(WorkbenchCase):
     def test_a_sim_is_provisioned_from_the_file_and_a_new_one_again(self):

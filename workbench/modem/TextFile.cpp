@@ -4,9 +4,23 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 
 namespace bench {
+
+namespace {
+
+// The name is UTF-8, which the narrow open of Windows does not take.
+std::FILE* OpenToRead(const std::string& path) {
+#ifdef _WIN32
+  return _wfopen(std::filesystem::path(std::u8string(path.begin(), path.end())).c_str(), L"rb");
+#else
+  return std::fopen(path.c_str(), "rb");
+#endif
+}
+
+}  // namespace
 
 Outcome<std::string> ReadWholeFile(const std::string& path) {
   const auto why = [&path] {
@@ -15,7 +29,7 @@ Outcome<std::string> ReadWholeFile(const std::string& path) {
   struct Closer {
     void operator()(std::FILE* file) const { std::fclose(file); }
   };
-  const std::unique_ptr<std::FILE, Closer> file(std::fopen(path.c_str(), "rb"));
+  const std::unique_ptr<std::FILE, Closer> file(OpenToRead(path));
   if (!file) return why();
   std::string text;
   std::array<char, 1 << 16> block;
