@@ -12,8 +12,7 @@ struct Thread::State {
   std::thread thread;
 };
 
-Thread::Thread(Clock& clock, std::function<void()> body)
-    : state_(std::make_shared<State>(clock)) {
+Thread::Thread(Clock& clock, std::function<void()> body) : state_(std::make_shared<State>(clock)) {
   clock.AddParticipant();
   state_->thread = std::thread([state = state_, run = std::move(body)] {
     state->clock.EnterParticipant();
@@ -30,7 +29,9 @@ Thread& Thread::operator=(Thread&& other) noexcept {
   return *this;
 }
 
-Thread::~Thread() { Join(); }
+Thread::~Thread() {
+  Join();
+}
 
 void Thread::Join() {
   if (!state_ || !state_->thread.joinable()) return;

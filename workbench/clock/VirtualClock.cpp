@@ -16,7 +16,9 @@ VirtualClock::VirtualClock(double pace) : pace_(pace) {
   EnterParticipant();
 }
 
-VirtualClock::~VirtualClock() { participantOf = nullptr; }
+VirtualClock::~VirtualClock() {
+  participantOf = nullptr;
+}
 
 Millis VirtualClock::Now() const {
   const std::lock_guard lock(mutex_);
@@ -27,7 +29,8 @@ bool VirtualClock::WaitUntil(Millis deadline, const std::function<bool()>& ready
   std::unique_lock lock(mutex_);
   if (ready()) return true;
   if (deadline <= now_) return false;
-  Waiter waiter{.deadline = deadline, .ready = &ready, .counted = participantOf == this, .wake = {}};
+  Waiter waiter{
+      .deadline = deadline, .ready = &ready, .counted = participantOf == this, .wake = {}};
   const auto place = waiters_.insert(waiters_.end(), &waiter);
   if (waiter.counted) --running_;
   AdvanceWhileAllWait(lock);
@@ -46,7 +49,9 @@ void VirtualClock::AddParticipant() {
   ++running_;
 }
 
-void VirtualClock::EnterParticipant() { participantOf = this; }
+void VirtualClock::EnterParticipant() {
+  participantOf = this;
+}
 
 void VirtualClock::LeaveParticipant() {
   participantOf = nullptr;
@@ -78,8 +83,8 @@ void VirtualClock::AdvanceWhileAllWait(std::unique_lock<Lock>& lock) {
     if (pace_ > 0 && next > now_) {
       // Others may change things while the lock is open; look again afterwards.
       advancing_ = true;
-      const auto pause = std::chrono::duration<double, std::milli>(
-          static_cast<double>(next - now_) / pace_);
+      const auto pause =
+          std::chrono::duration<double, std::milli>(static_cast<double>(next - now_) / pace_);
       std::condition_variable_any pausing;
       pausing.wait_for(lock, pause, [this] { return running_ > 0; });
       advancing_ = false;

@@ -27,7 +27,7 @@ class VirtualClock final : public Clock {
   struct Waiter {
     Millis deadline;
     const std::function<bool()>* ready;
-    bool counted;    // a participant: it stands in `running_` while it does not wait
+    bool counted;  // a participant: it stands in `running_` while it does not wait
     bool woken = false;
     bool result = false;
     WakeUp wake;
