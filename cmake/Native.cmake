@@ -4,12 +4,13 @@ if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
   message(FATAL_ERROR "The native build needs clang++ (the native-* presets choose it)")
 endif()
 
-# What talks to Windows alone.
-set(windows_only_sources
-  driver/CxxRuntime.cpp     # the DLL's replacements of library parts
-  driver/DllMain.cpp        # the entry point and the exports
-  modem/SuplConfigFile.cpp)  # reads XML through MSXML
+# What talks to Windows alone: the entry point and the exports, the DLL's replacements of library
+# parts, the reader of XML through MSXML (tests/native has one in its place).
+set(windows_only_sources driver/CxxRuntime.cpp driver/DllMain.cpp modem/SuplConfigFile.cpp)
 set(windows_only_tests platform bench_imports trace modem)
+# Tests of the whole driver that ask for what only the DLL has: imports that fail, a registry, the
+# module itself, a configuration file.
+set(needs_the_dll "[Ff]aults\\(\\)|LetTheRuntimeSettle|Registry\\(\\)|module\\(\\)|systemRoot|SuplTest\\.h")
 set(native_bench_rooms clock framework sensorapi modem record)
 
 # Everything is compiled alike, GoogleTest too: half a sanitized program reports what is not there.
@@ -76,16 +77,20 @@ set(BUILD_GMOCK ON)
 set(INSTALL_GTEST OFF)
 add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
 
-function(add_native_test name library)
+function(add_native_program name library)
   add_executable(${name} ${ARGN})
   target_link_libraries(${name} PRIVATE ${library} gmock_main gtest gmock)
   if(STELVANE_SANITIZE MATCHES "thread")
     # The C++ linker would bring an operator new that no test may replace; malloc is watched alike.
     set_target_properties(${name} PROPERTIES LINKER_LANGUAGE C)
   endif()
+endfunction()
+
+set(sanitizer_options "UBSAN_OPTIONS=print_stacktrace=1;TSAN_OPTIONS=halt_on_error=1")
+function(add_native_test name library)
+  add_native_program(${name} ${library} ${ARGN})
   add_test(NAME ${name} COMMAND ${name})
-  set_tests_properties(${name} PROPERTIES TIMEOUT 600
-    ENVIRONMENT "UBSAN_OPTIONS=print_stacktrace=1;TSAN_OPTIONS=halt_on_error=1")
+  set_tests_properties(${name} PROPERTIES TIMEOUT 600 ENVIRONMENT "${sanitizer_options}")
 endfunction()
 
 add_native_test(native_tests native_kernel ${native_tests})
@@ -97,3 +102,19 @@ foreach(group IN LISTS groups)
     add_native_test(unit_${group_name} stelvane_native ${sources})
   endif()
 endforeach()
+
+# The tests of the whole driver, on a rig around its sources in place of the DLL. Each runs in a
+# process of its own: what the module keeps between devices is fresh there, as after a load.
+portable_sources(driver_tests tests/driver tests/native/rig)
+foreach(source IN LISTS driver_tests)
+  file(STRINGS ${source} uses REGEX ${needs_the_dll})
+  if(uses)
+    list(REMOVE_ITEM driver_tests ${source})
+  endif()
+endforeach()
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${driver_tests})
+add_native_program(driver_tests stelvane_native ${driver_tests})
+target_include_directories(driver_tests BEFORE PRIVATE ${PROJECT_SOURCE_DIR}/tests/native/rig)
+include(GoogleTest)
+gtest_discover_tests(driver_tests DISCOVERY_MODE PRE_TEST TEST_PREFIX driver_tests.
+  PROPERTIES TIMEOUT 600 ENVIRONMENT "${sanitizer_options}")

@@ -102,6 +102,13 @@ TEST_F(OnVirtualClock, AThreadThatWaitsForACriticalSectionDoesNotHoldTimeUp) {
   DeleteCriticalSection(&shared.section);
 }
 
+TEST_F(OnVirtualClock, TheTickCountStartsWhereItWasSet) {
+  native::SetStartTicks(0x1'0000'0000);
+  Sleep(7);
+  EXPECT_EQ(GetTickCount64(), 0x1'0000'0007u);
+  native::SetStartTicks(0);
+}
+
 TEST_F(OnVirtualClock, SystemTimeStartsWhereItWasSetAndFollowsTheClock) {
   native::SetStartTime({2012, 12, 0, 31, 23, 59, 58, 750});
   Sleep(1500);

@@ -74,6 +74,7 @@ std::atomic<bench::Clock*> chosenClock{nullptr};
 
 /// 100 ns since 1601; 2020-01-01 unless a test sets another.
 std::atomic<std::uint64_t> startTime{132223104000000000};
+std::atomic<std::uint64_t> startTicks{0};
 
 std::uint64_t Joined(const FILETIME& time) {
   return std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
@@ -102,6 +103,10 @@ void SetStartTime(const SYSTEMTIME& start) {
   if (SystemTimeToFileTime(&start, &time)) startTime = Joined(time);
 }
 
+void SetStartTicks(std::uint64_t milliseconds) {
+  startTicks = milliseconds;
+}
+
 bench::Clock& ActiveClock() {
   bench::Clock* const chosen = chosenClock;
   return chosen != nullptr ? *chosen : MachineClock();
@@ -118,7 +123,7 @@ bench::Millis DeadlineAfter(unsigned milliseconds) {
 }  // namespace native
 
 ULONGLONG GetTickCount64() {
-  return static_cast<ULONGLONG>(native::ActiveClock().Now());
+  return native::startTicks + static_cast<ULONGLONG>(native::ActiveClock().Now());
 }
 
 void GetSystemTimeAsFileTime(FILETIME* time) {

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 
 #include "modem/SuplRecord.h"
@@ -26,6 +27,9 @@ void UseClock(bench::Clock* clock);
 
 /// The system time at which the clock in use shows 0.
 void SetStartTime(const SYSTEMTIME& start);
+
+/// The tick count at which the clock in use shows 0; 0 unless set.
+void SetStartTicks(std::uint64_t milliseconds);
 
 /// A REG_DWORD under the key; names are compared exactly.
 void SetRegistryDword(LPCWSTR key, LPCWSTR value, DWORD data);
