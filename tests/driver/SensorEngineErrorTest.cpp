@@ -204,7 +204,7 @@ TEST_F(SensorAssistance, AWriteOfAnythingButOneDoesNothing) {
   StartSensor();
   const auto client = Connect();
   Mark();
-  for (const ULONG value : {0UL, 2UL}) {
+  for (const ULONG value : {ULONG{0}, ULONG{2}}) {
     EXPECT_TRUE(client->SetProperty(kClearAssistance, Variant::Ui4(value)).Accepted());
   }
   Settle();

@@ -65,7 +65,7 @@ void SensorTest::LoadSensor(RigOptions options) {
   options.startUtc = kStart;
   TraceSession& tracing = Load(std::move(options)).redirector().Tracing();
   tracing.SetListener([this](const TraceRecord& record) { OnTrace(record); });
-  tracing.Enable(kEverything, ~0UL);
+  tracing.Enable(kEverything, ~ULONG{0});
 }
 
 void SensorTest::StartLoaded() {

@@ -149,7 +149,7 @@ Millis LongestSilence(const std::vector<FixOnItsWay>& fixes, Millis from, Millis
 Millis IntervalInForce(const std::vector<unsigned long>& intervals) {
   Millis smallest = 0;
   for (const unsigned long interval : intervals) {
-    const Millis whole = Millis{interval / 1000} * kSecond;
+    const Millis whole = static_cast<Millis>(interval / 1000) * kSecond;
     if (whole > 0 && (smallest == 0 || whole < smallest)) smallest = whole;
   }
   return smallest == 0 ? kSecond : smallest;
