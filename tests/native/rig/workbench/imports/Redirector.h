@@ -15,10 +15,10 @@ class Audit {
  public:
   /// The period begins here.
   void Mark() { before_ = native::OpenHandles(); }
-  /// Empty when as many handles are open as at the beginning.
+  /// Empty when no more handles are open than at the beginning.
   std::string Report() const {
     const std::size_t open = native::OpenHandles();
-    if (open == before_) return {};
+    if (open <= before_) return {};
     return "handles open before: " + std::to_string(before_) + ", now: " + std::to_string(open);
   }
 
