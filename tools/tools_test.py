@@ -104,7 +104,7 @@ class CheckWordsTest(FileTest):
         self.assert_caught("see Pa" + "rt 2.3")
 
     def test_ordinary_words_pass(self):
-        self.assert_passes("specific parts, part of 1.2, a special homework, root/work/home, 3 parts")
+        self.assert_passes("specific parts, part of 1.2, a special homework, root/homework, 3 parts")
 
     def test_the_name_of_a_file_is_checked_too(self):
         checked = run("check-words", self.write("spe" + "c.txt", "fine"))
