@@ -10,7 +10,8 @@ set(windows_only_sources driver/CxxRuntime.cpp driver/DllMain.cpp modem/SuplConf
 set(windows_only_tests platform bench_imports trace modem)
 # Tests of the whole driver that ask for what only the DLL has: imports that fail, a registry, the
 # module itself, a configuration file.
-set(needs_the_dll "[Ff]aults\\(\\)|LetTheRuntimeSettle|Registry\\(\\)|module\\(\\)|systemRoot|SuplTest\\.h")
+string(JOIN "|" needs_the_dll "[Ff]aults\\(\\)" "Registry\\(\\)" "module\\(\\)"
+  LetTheRuntimeSettle systemRoot "SuplTest\\.h")
 set(native_bench_rooms clock framework sensorapi modem record)
 
 # Everything is compiled alike, GoogleTest too: half a sanitized program reports what is not there.
@@ -109,13 +110,13 @@ endforeach()
 # The tests of the whole driver, on a rig around its sources in place of the DLL. Each runs in a
 # process of its own: what the module keeps between devices is fresh there, as after a load.
 portable_sources(driver_tests tests/driver tests/native/rig)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${driver_tests})
 foreach(source IN LISTS driver_tests)
   file(STRINGS ${source} uses REGEX ${needs_the_dll})
   if(uses)
     list(REMOVE_ITEM driver_tests ${source})
   endif()
 endforeach()
-set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${driver_tests})
 add_native_program(driver_tests stelvane_native ${driver_tests})
 target_include_directories(driver_tests BEFORE PRIVATE ${PROJECT_SOURCE_DIR}/tests/native/rig)
 include(GoogleTest)
