@@ -1,9 +1,7 @@
 // Recording implementations of the document object model.
 #pragma once
 
-#include <windows.h>
-
-#include <msxml2.h>
+#include "platform/XmlDom.h"
 #include "tests/unit/platform/Recorder.h"
 
 namespace platform_test {
@@ -101,6 +99,12 @@ struct XMLDOMDocument2Recorder : XMLDOMDocumentRecorder<Interface> {
   RECORD(HRESULT, validate, IXMLDOMParseError**);
   RECORD(HRESULT, setProperty, BSTR, VARIANT);
   RECORD(HRESULT, getProperty, BSTR, VARIANT*);
+};
+
+template <class Interface = IXMLDOMDocument3>
+struct XMLDOMDocument3Recorder : XMLDOMDocument2Recorder<Interface> {
+  RECORD(HRESULT, validateNode, IXMLDOMNode*, IXMLDOMParseError**);
+  RECORD(HRESULT, importNode, IXMLDOMNode*, VARIANT_BOOL, IXMLDOMNode**);
 };
 
 template <class Interface = IXMLDOMNodeList>

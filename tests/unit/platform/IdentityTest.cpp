@@ -14,6 +14,7 @@
 #include "platform/WdfIoTarget.h"
 #include "platform/WdfRequest.h"
 #include "platform/WdfUsb.h"
+#include "platform/XmlDom.h"
 
 namespace platform_test {
 
@@ -92,6 +93,8 @@ const Identity kIdentities[] = {
      "6101f767-998e-452b-b54a-e836dd486bad"},
     {"ObjectSet", keys::kObjectSet, "ef6b490d-5cd8-437a-affc-da8b60ee4a3c"},
     {"FunctionalObjectSet", keys::kFunctionalObjectSet, "8f052d93-abca-4fc5-a5ac-b01df4dbe598"},
+    {"IXMLDOMDocument3", iidOf<IXMLDOMDocument3>, "2933bf96-7b36-11d2-b20e-00c04f983e60"},
+    {"DomDocument60Class", clsid::kDomDocument60, "88d96a05-f192-11d4-a65f-0040963251e5"},
 };
 
 std::string TextOf(const GUID& id) {

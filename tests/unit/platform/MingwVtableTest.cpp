@@ -1,4 +1,5 @@
-// The slots that the driver calls in interfaces which the compiler's own headers declare.
+// The slots that the driver calls in interfaces which the compiler's own headers declare, all or
+// nearly all of them.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -135,6 +136,21 @@ const Vtable kTables[] = {
       {70, "put_resolveExternals"},
       {80, "setProperty"},
       {81, "getProperty"}}},
+    {"IXMLDOMDocument3",
+     "",
+     MakeObject<XMLDOMDocument3Recorder<>>,
+     {{12, "get_childNodes"},
+      {34, "get_xml"},
+      {36, "selectNodes"},
+      {37, "selectSingleNode"},
+      {58, "load"},
+      {60, "get_parseError"},
+      {63, "put_async"},
+      {68, "put_validateOnParse"},
+      {70, "put_resolveExternals"},
+      {80, "setProperty"},
+      {82, "validateNode"},
+      {83, "importNode"}}},
 };
 
 class MingwVtable : public testing::TestWithParam<Vtable> {};
