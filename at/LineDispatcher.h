@@ -28,7 +28,7 @@ class LineDispatcher final : public LineSink {
   void OnSentence(std::string_view line);
   void OnFinalResult(std::string_view line);
   void OnReport(std::string_view line);
-  void OnSwitchReport(std::string_view line);
+  void OnSwitchReport(std::string_view value);
   void OnIdentityLine(std::string_view line);
   void PublishFix();
 

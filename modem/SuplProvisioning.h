@@ -27,7 +27,8 @@ class SuplProvisioning {
   CommandEngine& engine_;
   ModemAnswers& answers_;
   SuplRecord record_;
-  std::string m_strProvisionedImsi;  // the identity for which provisioning last completed
+  // The identity for which provisioning last completed; named like the record's members.
+  std::string m_strProvisionedImsi;  // NOLINT(readability-identifier-naming)
 };
 
 /// The whole "XLCSSLP" command of a record. E_INVALIDARG when a type that needs an address has

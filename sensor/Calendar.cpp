@@ -33,7 +33,8 @@ std::int64_t CalendarSeconds(const SYSTEMTIME& time) {
   const std::int64_t year = months / 12;
   if (year < kFirstYear || year > kLastYear) return -1;
   const std::int64_t days = DaysToMonth(year, months % 12) + time.wDay - 1;
-  return days * kSecondsPerDay + time.wHour * 3600 + time.wMinute * 60 + time.wSecond;
+  const int timeOfDay = time.wHour * 3600 + time.wMinute * 60 + time.wSecond;
+  return days * kSecondsPerDay + timeOfDay;
 }
 
 std::uint32_t AgeInSeconds(const SYSTEMTIME& from, const SYSTEMTIME& to) {

@@ -120,6 +120,8 @@ HRESULT MakeSupportedDataFields(ComPtr<IPortableDeviceKeyCollection>& fields) {
   return S_OK;
 }
 
+// The container comes by value: the builder holds a reference of its own and releases it.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 HRESULT BuildDataValues(IPortableDeviceKeyCollection* fields, ComPtr<IPortableDeviceValues> values,
                         const FixRecord& fix) {
   DWORD count = 0;

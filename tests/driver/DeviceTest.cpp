@@ -335,6 +335,14 @@ TEST_F(DeviceTest, ADeviceThatIsAddedAgainComesBackAndDelivers) {
   EXPECT_TRUE(client->WaitForReports(2, clock_.Now() + 30'000));
 }
 
+TEST_F(DeviceTest, AnIdleDriverNeverWakesUp) {
+  Start();
+  clock_.SleepFor(60'000);
+  const std::uint64_t before = faults().CallCount("WaitForMultipleObjects");
+  clock_.SleepFor(30LL * 86'400'000);  // days; off timers fire after 49.7
+  EXPECT_EQ(faults().CallCount("WaitForMultipleObjects"), before);
+}
+
 TEST_F(DeviceTest, ASleepingDeviceComesBackAndDelivers) {
   Start();
   const auto client = rig().NewClient();

@@ -154,6 +154,32 @@ TEST_F(QueueTest, APrivateRequestWithoutASensorCoreSucceedsWithFourBytes) {
   EXPECT_EQ(callbacks().hardware->OnReleaseHardware(device()), S_OK);
 }
 
+TEST_F(QueueTest, WithoutAContextPrivateRequestsFailAndSensorRequestsAreLeftAsTheyAre) {
+  Rig rig(clock_);
+  ASSERT_EQ(rig.host().AddDevice(), S_OK);
+  FaultPlan& plan = rig.redirector().Faults();
+  plan.Clear();
+  // The first lock is the queue callback's, the second the context's.
+  plan.FailImport("InitializeCriticalSectionAndSpinCount", 2, {FALSE, ERROR_NOT_ENOUGH_MEMORY});
+  FxDevice* const device = rig.host().device();
+  ASSERT_EQ(device->callbacks().hardware->OnPrepareHardware(device), E_POINTER);
+  plan.Clear();
+
+  const ClientRequest ofItsOwn = rig.host().SendIoControl(kReadState, "", 4);
+  EXPECT_TRUE(ofItsOwn.Wait(1000));
+  EXPECT_EQ(ofItsOwn.Status(), E_UNEXPECTED);
+  EXPECT_EQ(ofItsOwn.Information(), 4U);
+  const ClientRequest ofTheSensor = rig.host().SendIoControl(kSensorRead, "", 4);
+  EXPECT_FALSE(ofTheSensor.Wait(1000));
+
+  EXPECT_EQ(device->callbacks().hardware->OnReleaseHardware(device), S_OK);
+  rig.Shutdown();
+  EXPECT_TRUE(ofTheSensor.IsAbandoned());
+  // Kept as it stands: the host is left with a request that nobody completes.
+  EXPECT_THAT(rig.Findings(),
+              testing::ElementsAre(testing::HasSubstr(std::string(rule::kNeverCompleted))));
+}
+
 TEST_F(QueueTest, ParallelRequestsFromSeveralThreadsAllEnd) {
   StartAndSettle();
   std::vector<ClientRequest> requests;

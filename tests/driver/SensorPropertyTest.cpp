@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/driver/SensorFace.h"
 #include "tests/driver/SensorTest.h"
 
 namespace bench {
@@ -277,17 +278,61 @@ TEST_F(SensorPropertyTest, ChangedLeadTimesMoveTheNextSingleFix) {
       << "since the subscription at " << start;
 }
 
-TEST_F(SensorPropertyTest, AClientThatTheTableDoesNotKnowEndsTheCallUnexpectedly) {
-  // The class extension has told the driver that the client is gone.
-  client_->Disconnect();
-  Settle();
-  EXPECT_NE(client_->SetReportInterval(5000).call, S_OK);
-}
-
 TEST_F(SensorPropertyTest, OneRefusedKeyDoesNotKeepTheOthersOut) {
   ExpectRefused(Common(13), Variant::Ui4(5), E_INVALIDARG);
   EXPECT_TRUE(Write(Driver(4), Variant::Ui4(9)).Accepted());
   EXPECT_EQ(Read(Driver(4)), Variant::Ui4(9));
+}
+
+// Calls that a well-behaved class extension never makes.
+class SensorPropertyCallTest : public SensorTest {
+ protected:
+  void SetUp() override {
+    RigOptions options;
+    options.withheldClasses = {ApiClass::kClassExtension};
+    LoadSensor(std::move(options));
+    face_ = std::make_unique<SensorFace>(rig());
+    StartLoaded();
+  }
+  void TearDown() override {
+    rig().ReleaseDriver();
+    face_.reset();
+    SensorTest::TearDown();
+  }
+  ISensorDriver& Sensor() { return *face_->Driver(); }
+  static stelvane::ComPtr<IPortableDeviceValues> OneValue(const PROPERTYKEY& key, ULONG value) {
+    stelvane::ComPtr<IPortableDeviceValues> values;
+    EXPECT_EQ(
+        CoCreateInstance(CLSID_PortableDeviceValues, nullptr, CLSCTX_INPROC_SERVER,
+                         iidOf<IPortableDeviceValues>, reinterpret_cast<void**>(values.Put())),
+        S_OK);
+    EXPECT_EQ(values->SetUnsignedIntegerValue(key, value), S_OK);
+    return values;
+  }
+
+  std::unique_ptr<SensorFace> face_;
+};
+
+TEST_F(SensorPropertyCallTest, AnUnknownClientEndsTheCallWithoutResults) {
+  WCHAR id[] = L"";
+  for (const PROPERTYKEY& key : {Common(13), Common(19)}) {
+    const auto values = OneValue(key, 5000);
+    stelvane::ComPtr<IPortableDeviceValues> results;
+    EXPECT_EQ(Sensor().OnSetProperties(nullptr, id, values.Get(), results.Put()), E_UNEXPECTED);
+    EXPECT_FALSE(results);
+  }
+}
+
+TEST_F(SensorPropertyCallTest, MissingArgumentsAreInvalid) {
+  WCHAR id[] = L"";
+  const auto values = OneValue(Common(13), 5000);
+  stelvane::ComPtr<IPortableDeviceValues> results;
+  EXPECT_EQ(Sensor().OnSetProperties(nullptr, id, nullptr, results.Put()), E_INVALIDARG);
+  EXPECT_EQ(Sensor().OnSetProperties(nullptr, id, values.Get(), nullptr), E_INVALIDARG);
+  EXPECT_EQ(Sensor().OnGetProperties(nullptr, id, nullptr, results.Put()), E_INVALIDARG);
+  EXPECT_EQ(Sensor().OnGetSupportedSensorObjects(nullptr), E_INVALIDARG);
+  EXPECT_EQ(Sensor().OnGetSupportedProperties(id, nullptr), E_INVALIDARG);
+  EXPECT_EQ(Sensor().OnGetSupportedEvents(id, nullptr, nullptr), E_INVALIDARG);
 }
 
 }  // namespace
