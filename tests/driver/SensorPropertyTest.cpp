@@ -303,7 +303,7 @@ class SensorPropertyCallTest : public SensorTest {
   static stelvane::ComPtr<IPortableDeviceValues> OneValue(const PROPERTYKEY& key, ULONG value) {
     stelvane::ComPtr<IPortableDeviceValues> values;
     EXPECT_EQ(
-        CoCreateInstance(CLSID_PortableDeviceValues, nullptr, CLSCTX_INPROC_SERVER,
+        CoCreateInstance(clsid::kPortableDeviceValues, nullptr, CLSCTX_INPROC_SERVER,
                          iidOf<IPortableDeviceValues>, reinterpret_cast<void**>(values.Put())),
         S_OK);
     EXPECT_EQ(values->SetUnsignedIntegerValue(key, value), S_OK);
