@@ -6,7 +6,8 @@ endif()
 
 # What talks to Windows alone: the entry point and the exports, the DLL's replacements of library
 # parts, the reader of XML through MSXML (tests/native has one in its place).
-set(windows_only_sources driver/CxxRuntime.cpp driver/DllMain.cpp modem/SuplConfigFile.cpp)
+set(windows_only_sources driver/CxxRuntime.cpp driver/DllMain.cpp modem/SuplConfigFile.cpp
+  modem/SuplDocument.cpp)
 set(windows_only_tests platform bench_imports trace modem)
 # Tests of the whole driver that ask for what only the DLL has: imports that fail, a registry, the
 # module itself, a configuration file.

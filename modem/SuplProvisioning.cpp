@@ -32,10 +32,10 @@ HRESULT SuplProvisioning::WriteSettings(HRESULT result) {
   if (const HRESULT sent = engine_.SendCommand(slpCommand); FAILED(sent)) {
     ReportError("Not able to Configure SUPL Information using Command \"XLCSSLP\"", sent);
   }
-  if (const HRESULT sent = engine_.SendCommand("AT", "XLCSTER", "1"); FAILED(sent)) {
+  if (const HRESULT sent = engine_.SendCommand(TerminalCommand()); FAILED(sent)) {
     ReportError("Not able to updates the terminal information using Command \"XLCSTER\"", sent);
   }
-  const HRESULT sent = engine_.SendCommand("AT", "XLCSSUPLVER", record_.m_strSupl_Ver_Info);
+  const HRESULT sent = engine_.SendCommand(VersionCommand(record_));
   if (FAILED(sent)) {
     ReportError("Not able to Set SUPL Vestion using command \"XLCSSUPLVER\"", sent);
     return S_OK;
@@ -63,6 +63,14 @@ HRESULT BuildSlpCommand(const SuplRecord& record, std::string& command) {
   if (!address.empty()) command += '"' + address + '"';
   command += "," + record.m_strSupl_Port_Number;
   return S_OK;
+}
+
+std::string TerminalCommand() {
+  return BuildCommandLine("AT", "XLCSTER", "1");
+}
+
+std::string VersionCommand(const SuplRecord& record) {
+  return BuildCommandLine("AT", "XLCSSUPLVER", record.m_strSupl_Ver_Info);
 }
 
 }  // namespace stelvane

@@ -35,4 +35,8 @@ class SuplProvisioning {
 /// none, E_FAIL for an unknown or empty type; both are reported, and `command` is empty then.
 HRESULT BuildSlpCommand(const SuplRecord& record, std::string& command);
 
+/// The two commands that follow it: the terminal information and the record's SUPL version.
+std::string TerminalCommand();
+std::string VersionCommand(const SuplRecord& record);
+
 }  // namespace stelvane
