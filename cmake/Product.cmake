@@ -16,8 +16,13 @@ if(product_sources)
   target_link_libraries(product_objects PUBLIC stelvane_settings trace_headers)
   target_compile_options(product_objects PRIVATE -Os -ffunction-sections -fdata-sections)
 
+  # A library of its own, since windres takes none of the compiler's options.
+  configure_file(driver/Stelvane.rc.in ${PROJECT_BINARY_DIR}/resource/Stelvane.rc @ONLY)
+  add_library(version_resource OBJECT ${PROJECT_BINARY_DIR}/resource/Stelvane.rc)
+
   add_library(Stelvane SHARED
-    $<TARGET_OBJECTS:product_objects> ${dll_only_sources} driver/Stelvane.def)
+    $<TARGET_OBJECTS:product_objects> $<TARGET_OBJECTS:version_resource> ${dll_only_sources}
+    driver/Stelvane.def)
   target_link_libraries(Stelvane PRIVATE stelvane_settings)
   target_compile_options(Stelvane PRIVATE -Os)
   set_target_properties(Stelvane PROPERTIES

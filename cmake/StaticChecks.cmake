@@ -8,7 +8,7 @@ else()
 endif()
 
 set(dll_rules
-  machine exports version-record import-dlls import-functions driver-imports no-execute
+  machine exports version-record version-resource import-dlls import-functions driver-imports no-execute
   address-randomisation relocations entry-point subsystem-version size stripped build-paths)
 if(TARGET Stelvane)
   foreach(rule IN LISTS dll_rules)
@@ -16,6 +16,7 @@ if(TARGET Stelvane)
       COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tools/check-dll $<TARGET_FILE:Stelvane>
         --rule ${rule} --machine ${machine}
         --imports ${PROJECT_SOURCE_DIR}/tools/windows8-imports.txt
+        --project-version ${PROJECT_VERSION}
         --nm ${CMAKE_NM} --objects $<TARGET_OBJECTS:product_objects>
         --folders ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR}
       COMMAND_EXPAND_LISTS)
@@ -26,7 +27,7 @@ endif()
 # The checker itself is tested on small DLLs that break the rules on purpose.
 add_test(NAME check_dll_catches_breaches
   COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tools/check_dll_test.py
-    ${machine} ${CMAKE_CXX_COMPILER} ${CMAKE_NM})
+    ${machine} ${CMAKE_CXX_COMPILER} ${CMAKE_NM} ${CMAKE_RC_COMPILER})
 if(machine STREQUAL x64)
   add_test(NAME small_tools COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tools/tools_test.py)
 endif()

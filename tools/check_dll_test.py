@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
 """Breaks the rules of tools/check-dll one at a time and sees each breach caught.
 
-    tools/check_dll_test.py MACHINE COMPILER NM      (MACHINE: x64 or x86)
+    tools/check_dll_test.py MACHINE COMPILER NM WINDRES      (MACHINE: x64 or x86)
 
 A tiny DLL that keeps every rule is built by the cross compiler, then variants of it that each break
 one; the check must name exactly the rules that a variant breaks.
 """
+import functools
 import os
 import re
 import struct
@@ -18,7 +19,7 @@ sys.dont_write_bytecode = True
 import pe
 
 TOOLS = os.path.dirname(os.path.abspath(__file__))
-MACHINE, COMPILER, NM = sys.argv[1:]
+MACHINE, COMPILER, NM, WINDRES = sys.argv[1:]
 
 SOURCE = """
 #include <windows.h>
@@ -48,8 +49,38 @@ EXPORTS
   DllCanUnloadNow PRIVATE
   Microsoft_WDF_UMDF_Version DATA
 """
+RESOURCE = """
+1 VERSIONINFO FILEVERSION 1,2,3,0 PRODUCTVERSION 1,2,3,0 FILETYPE 2
+BEGIN
+  BLOCK "StringFileInfo"
+  BEGIN
+    BLOCK "040904b0"
+    BEGIN
+      VALUE "CompanyName", "Maker"
+      VALUE "FileDescription", "A file"
+      VALUE "FileVersion", "1.2.3.0"
+      VALUE "LegalCopyright", "Maker's"
+      VALUE "OriginalFilename", "tiny.dll"
+      VALUE "ProductName", "Tiny"
+      VALUE "ProductVersion", "1.2.3.0"
+    END
+  END
+END
+"""
 LINK = ["-shared", "-static", "-s", "-Wl,--nxcompat", "-Wl,--dynamicbase",
         "-Wl,--enable-stdcall-fixup", "-Wl,--exclude-all-symbols"]
+
+
+@functools.cache
+def compiled(source):
+    """The object file of a source; most tests share one."""
+    with tempfile.TemporaryDirectory() as folder:
+        with open(os.path.join(folder, "tiny.cpp"), "w", encoding="ascii") as file:
+            file.write(source)
+        subprocess.run([COMPILER, "-std=c++20", "-Os", "-c", "tiny.cpp", "-o", "tiny.o"],
+                       check=True, cwd=folder)
+        with open(os.path.join(folder, "tiny.o"), "rb") as file:
+            return file.read()
 
 
 class CheckDllTest(unittest.TestCase):
@@ -61,17 +92,19 @@ class CheckDllTest(unittest.TestCase):
     def path(self, name):
         return os.path.join(self.folder, name)
 
-    def build(self, source=SOURCE, definition=DEFINITION, link=(), without=()):
+    def build(self, source=SOURCE, definition=DEFINITION, link=(), without=(),
+              resource=RESOURCE):
         """Compiles and links a DLL; returns the paths of the DLL and its object file."""
-        with open(self.path("tiny.cpp"), "w", encoding="ascii") as file:
-            file.write(source)
-        with open(self.path("tiny.def"), "w", encoding="ascii") as file:
-            file.write(definition)
+        for name, text in ("def", definition), ("rc", resource):
+            with open(self.path(f"tiny.{name}"), "w", encoding="ascii") as file:
+                file.write(text)
+        with open(self.path("tiny.o"), "wb") as file:
+            file.write(compiled(source))
         high_entropy = ["-Wl,--high-entropy-va"] if MACHINE == "x64" else []
         options = [option for option in LINK + high_entropy if option not in without]
         for command in (
-                [COMPILER, "-std=c++20", "-Os", "-c", "tiny.cpp", "-o", "tiny.o"],
-                [COMPILER, "tiny.o", "tiny.def", "-o", "tiny.dll", *options, *link]):
+                [WINDRES, "tiny.rc", "details.o"],
+                [COMPILER, "tiny.o", "details.o", "tiny.def", "-o", "tiny.dll", *options, *link]):
             subprocess.run(command, check=True, cwd=self.folder)
         return self.path("tiny.dll"), self.path("tiny.o")
 
@@ -94,7 +127,8 @@ class CheckDllTest(unittest.TestCase):
             [sys.executable, os.path.join(TOOLS, "check-dll"), dll,
              "--machine", machine or MACHINE,
              "--imports", os.path.join(TOOLS, "windows8-imports.txt"),
-             "--nm", NM, "--objects", object_file, "--folders", *folders],
+             "--project-version", "1.2.3", "--nm", NM, "--objects", object_file,
+             "--folders", *folders],
             capture_output=True, text=True, check=False)
         broken = set(re.findall(r"^BROKEN  ([a-z-]+):", run.stdout, re.MULTILINE))
         self.assertEqual(run.returncode, 1 if broken else 0, run.stdout + run.stderr)
@@ -146,6 +180,30 @@ class CheckDllTest(unittest.TestCase):
     def test_another_framework_version_is_caught(self):
         self.assert_broken("version-record", "it says (1, 9, 0)", self.build(
             source=SOURCE.replace("{1, 11, 0}", "{1, 9, 0}")))
+
+    def test_other_version_numbers_in_the_resource_are_caught(self):
+        self.assert_broken("version-resource", "file version (1, 2, 4, 0) is not", self.build(
+            resource=RESOURCE.replace("FILEVERSION 1,2,3,0", "FILEVERSION 1,2,4,0")))
+        self.assert_broken("version-resource", "product version (0, 0, 0, 0) is not", self.build(
+            resource=RESOURCE.replace("PRODUCTVERSION 1,2,3,0", "")))
+
+    def test_other_version_texts_in_the_resource_are_caught(self):
+        broken, output = self.check(self.build(resource=RESOURCE.replace("1.2.3.0", "1.2.4.0")))
+        self.assertEqual(broken, {"version-resource"}, output)
+        self.assertIn("FileVersion is '1.2.4.0', not '1.2.3.0'", output)
+        self.assertIn("ProductVersion is '1.2.4.0', not '1.2.3.0'", output)
+
+    def test_another_file_name_in_the_resource_is_caught(self):
+        self.assert_broken("version-resource", "OriginalFilename is 'large.dll'", self.build(
+            resource=RESOURCE.replace("tiny.dll", "large.dll")))
+
+    def test_a_missing_text_in_the_resource_is_caught(self):
+        self.assert_broken("version-resource", "there is no CompanyName", self.build(
+            resource=RESOURCE.replace("CompanyName", "Company")))
+
+    def test_a_dll_without_a_version_resource_is_caught(self):
+        self.assert_broken("version-resource", "0 version resources", self.build(
+            resource="1 RCDATA BEGIN 1 END"))
 
     def test_a_dll_that_is_not_listed_is_caught(self):
         broken, output = self.check(self.build(

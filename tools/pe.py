@@ -1,7 +1,9 @@
 """Reads the parts of a Windows PE file that the checks of the driver look at."""
 import struct
 
-EXPORT_TABLE, IMPORT_TABLE, RELOCATION_TABLE, DEBUG_TABLE, DELAY_IMPORT_TABLE = 0, 1, 5, 6, 13
+EXPORT_TABLE, IMPORT_TABLE, RESOURCE_TABLE, RELOCATION_TABLE = 0, 1, 2, 5
+DEBUG_TABLE, DELAY_IMPORT_TABLE = 6, 13
+VERSION_RESOURCE = 16
 MACHINES = {0x8664: "x64", 0x014C: "x86"}
 
 FILE_RELOCATIONS_STRIPPED = 0x0001
@@ -119,3 +121,27 @@ class PeFile:
             else:
                 yield self._text_at(self.offset_of(thunk) + 2)
             address += self.thunk_size
+
+    def resources(self, kind):
+        """The bytes of each resource of a kind (a number), by name and language."""
+        start, size = self.directory(RESOURCE_TABLE)
+        if size:
+            for entry_kind, names in self._resource_entries(start, 0):
+                if entry_kind == kind:
+                    yield from self._resource_data(start, names)
+
+    def _resource_entries(self, start, offset):
+        """Pairs of a directory's entry: its number, and the offset of what it leads to."""
+        named, numbered = self.values_at(start + offset + 12, "<HH")
+        for i in range(named + numbered):
+            yield self.values_at(start + offset + 16 + 8 * i, "<II")
+
+    def _resource_data(self, start, offset):
+        is_folder = 0x80000000
+        if offset & is_folder:
+            for _, below in self._resource_entries(start, offset & ~is_folder):
+                yield from self._resource_data(start, below)
+        else:
+            address, size = self.values_at(start + offset, "<II")
+            place = self.offset_of(address)
+            yield self.data[place:place + size]
