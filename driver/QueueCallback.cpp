@@ -22,6 +22,7 @@ void QueueCallback::OnDeviceIoControl(IWDFIoQueue* queue, IWDFIoRequest* request
   } else if (IsClassExtensionCode(controlCode)) {
     ForwardToClassExtension(request);
   } else {
+    TRACE(CodeNotKnown, controlCode);
     request->CompleteWithInformation(kNotSupported, 0);
   }
   TRACE(IoControlLeft);
@@ -30,6 +31,7 @@ void QueueCallback::OnDeviceIoControl(IWDFIoQueue* queue, IWDFIoRequest* request
 void QueueCallback::HandlePrivate(IWDFIoRequest* request, ULONG controlCode) {
   const CallbackScope scope(owner_->Guard(), kIoControl);
   if (FAILED(scope.Result())) {
+    TRACE(PrivateRefusedInShutdown, controlCode);
     request->CompleteWithInformation(kNotSupported, 0);
     return;
   }
@@ -45,6 +47,7 @@ void QueueCallback::HandlePrivate(IWDFIoRequest* request, ULONG controlCode) {
 void QueueCallback::ForwardToClassExtension(IWDFIoRequest* request) {
   const CallbackScope scope(owner_->Guard(), kIoControl);
   if (FAILED(scope.Result())) {
+    TRACE(ForwardRefusedInShutdown);
     request->CompleteWithInformation(kNotSupported, 0);
     return;
   }
