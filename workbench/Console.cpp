@@ -27,6 +27,8 @@ const char* Code(Tone tone) {
       return "\x1b[2m";
     case Tone::kState:
       return "\x1b[33m";
+    case Tone::kTrace:
+      return "\x1b[35m";
     case Tone::kReport:
       return "\x1b[1m";
     case Tone::kGood:

@@ -7,7 +7,7 @@
 
 namespace bench {
 
-enum class Tone { kPlain, kToModem, kFromModem, kState, kReport, kGood, kBad };
+enum class Tone { kPlain, kToModem, kFromModem, kState, kReport, kTrace, kGood, kBad };
 
 /// Writes lines to the standard output, each at once. In colour on a terminal that can show it,
 /// unless NO_COLOR is set. One thread at a time.

@@ -1,14 +1,13 @@
 #include "workbench/DemoFiles.h"
 
-#include <cerrno>
-#include <cstring>
+#include <chrono>
 #include <utility>
 
 #include "workbench/SuplText.h"
+#include "workbench/console/Program.h"
 #include "workbench/modem/DriveTrack.h"
 #include "workbench/modem/NmeaTrack.h"
 #include "workbench/modem/TextFile.h"
-#include "workbench/rig/Rig.h"
 
 namespace bench {
 
@@ -18,6 +17,11 @@ constexpr Millis kLogStart = 250;  // from a request to its first fix: a log is 
 
 std::filesystem::path Path(const std::string& utf8) {
   return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
+}
+
+std::string Utf8(const std::filesystem::path& path) {
+  const std::u8string text = path.generic_u8string();
+  return {text.begin(), text.end()};
 }
 
 // Each of these returns why it failed, or nothing.
@@ -44,6 +48,7 @@ std::string ReadScript(const DemoOptions& options, DemoFiles& files) {
 }
 
 std::string ReadConfig(const DemoOptions& options, DemoFiles& files) {
+  if (options.noConfig) return {};
   files.suplConfig = kDemoSuplConfig;
   if (options.config.empty()) return {};
   auto text = ReadWholeFile(options.config);
@@ -62,9 +67,34 @@ std::string FindDll(const DemoOptions& options, DemoFiles& files) {
 
 std::string OpenTranscript(const DemoOptions& options, DemoFiles& files) {
   if (options.transcript.empty()) return {};
-  files.transcript.reset(_wfopen(Path(options.transcript).c_str(), L"wb"));
-  if (files.transcript) return {};
-  return options.transcript + ": cannot be written: " + std::strerror(errno);
+  auto file = OpenToWrite(options.transcript);
+  if (file) files.transcript = std::move(*file);
+  return file.error;
+}
+
+std::string ReadTraceFormats(const DemoOptions& options, DemoFiles& files) {
+  if (!options.trace) return {};
+  auto formats = TraceFormats::Load(Utf8(ProgramFolder() / "tmf"));
+  if (formats) files.traceFormats = std::move(*formats);
+  return formats.error;
+}
+
+// In 100 ns units since 1601, as the platform counts.
+std::uint64_t PlatformTime(Utc time) {
+  constexpr std::uint64_t kOf1970 = 116'444'736'000'000'000;
+  const auto since1970 =
+      std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch());
+  return kOf1970 + static_cast<std::uint64_t>(since1970.count()) * 10'000;
+}
+
+std::string MakeRunFolder(const DemoOptions& options, DemoFiles& files) {
+  if (options.runFolder.empty() && !options.trace) return {};
+  const std::string path =
+      options.runFolder.empty() ? Utf8(ProgramFolder() / "run") : options.runFolder;
+  auto folder =
+      RunFolder::Make(path, options.trace.has_value(), PlatformTime(files.track->Start()));
+  if (folder) files.runFolder = std::move(*folder);
+  return folder.error;
 }
 
 }  // namespace
@@ -75,7 +105,8 @@ Outcome<DemoFiles> ReadDemoFiles(const DemoOptions& options) {
   files.modem.reportShape = options.shape;
   if (!options.sim.empty()) files.modem.imsi = options.sim;
   if (options.radioOff) files.modem.engineOn = false;
-  for (const auto read : {ReadTrack, ReadScript, ReadConfig, FindDll, OpenTranscript}) {
+  for (const auto read : {ReadTrack, ReadScript, ReadConfig, FindDll, OpenTranscript,
+                          ReadTraceFormats, MakeRunFolder}) {
     if (std::string why = read(options, files); !why.empty()) {
       return NoValue<DemoFiles>(std::move(why));
     }

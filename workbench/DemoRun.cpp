@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "driver/IoControlCodes.h"
+#include "workbench/trace/MessageText.h"
 
 namespace bench {
 
@@ -49,6 +50,7 @@ DemoRun::DemoRun(const DemoOptions& options, DemoFiles files)
         if (files_.transcript) {
           std::fprintf(files_.transcript.get(), "%s\n", TranscriptText(line).c_str());
         }
+        if (files_.runFolder) files_.runFolder->OnLine(line);
       }),
       clock_(options.pace.value_or(options.nmea.empty() ? 1 : 0)) {
   interval_ = IntervalInForce(options_.intervals);
@@ -68,12 +70,17 @@ std::unique_ptr<Rig> DemoRun::MakeRig() {
   rig.modem = files_.modem;
   rig.track = std::move(track);
   rig.observers = {&fixes_, &transcript_};
+  if (options_.noAtPort) rig.device.usb.interfaces = {{.endpoints = {}, .claimedEndpoints = {}}};
+  if (options_.trace) {
+    rig.trace = {.level = *options_.trace,
+                 .listener = [this](const TraceRecord& record) { OnTrace(record); }};
+  }
   return std::make_unique<Rig>(clock_, std::move(rig));
 }
 
 int DemoRun::Run() {
   Announce();
-  rig_->systemRoot().WriteConfigFile(files_.suplConfig);
+  if (files_.suplConfig) rig_->systemRoot().WriteConfigFile(*files_.suplConfig);
   if (options_.handOver) {
     rig_->redirector().Registry().SetDword(HKEY_LOCAL_MACHINE, kRegistryKey, L"DisableInternalGNSS",
                                            1);
@@ -127,6 +134,7 @@ void DemoRun::Deliver() {
   std::vector<Deed> deeds;
   if (options_.radioOff) deeds.push_back({from_ + length / 3, &DemoRun::SwitchRadioOn});
   if (options_.simChange) deeds.push_back({from_ + options_.simChange->at, &DemoRun::ChangeSim});
+  if (options_.unplug) deeds.push_back({from_ + *options_.unplug, &DemoRun::Unplug});
   std::ranges::sort(deeds, {}, &Deed::at);
   for (const Deed& deed : deeds) {
     if (deed.at >= until_) break;
@@ -210,6 +218,25 @@ void DemoRun::ChangeSim() {
   }
 }
 
+// The client asks once more, as one does that does not know yet.
+void DemoRun::Unplug() {
+  if (showsAll_) console_.Line(clock_.Now(), "device   is pulled out", Tone::kPlain);
+  rig_->host().SurpriseRemoval();
+  auto request = rig_->host().SendIoControl(stelvane::kIoctlSwitchRadio, std::string(4, '\0'), 0);
+  request.Wait();
+  if (SUCCEEDED(request.Status())) faults_.emplace_back("a request was served after the removal");
+  until_ = clock_.Now();
+}
+
+void DemoRun::OnTrace(const TraceRecord& record) {
+  const MessageText message = DecodeMessage(files_.traceFormats, record);
+  const std::string line = MessageLine(message);
+  char time[48];
+  std::snprintf(time, sizeof time, "%9.3f %04lx  ", Seconds(record.time), record.thread);
+  files_.runFolder->OnTrace(record, time + line);
+  if (showsAll_) view_.OnTrace(record.time, line);
+}
+
 void DemoRun::CheckClients() {
   const auto fixes = fixes_.All();
   const auto states = rig_->sensors().StateHistory();
@@ -275,6 +302,7 @@ void DemoRun::Summarize(const ModemSnapshot& modem, const std::vector<std::strin
   console_.Line("  modem clock  " + (modem.clock.empty() ? "not set" : modem.clock));
   console_.Line("  USB profile  " + modem.storedUsbProfile.profile);
   for (const std::string& line : clientLines_) console_.Line("  " + line);
+  if (files_.runFolder) console_.Line("  run folder   " + files_.runFolder->Path());
   for (const std::string& finding : left) faults_.push_back("left behind: " + finding);
   if (left.empty()) console_.Line("  left behind  nothing; DllCanUnloadNow says S_OK");
   for (const std::string& fault : faults_) console_.Line("  BROKEN       " + fault, Tone::kBad);

@@ -38,6 +38,8 @@ class DemoRun {
   void Pass(Millis until);
   void SwitchRadioOn();
   void ChangeSim();
+  void Unplug();
+  void OnTrace(const TraceRecord& record);
   void ShowProgress();
   void CheckClients();
   void CheckSilence();

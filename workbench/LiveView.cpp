@@ -18,7 +18,12 @@ std::string Shortened(const std::string& text) {
 
 void LiveView::OnLine(const AtLine& line) {
   const std::lock_guard lock(mutex_);
-  lines_.push_back(line);
+  arrivals_.emplace_back(line);
+}
+
+void LiveView::OnTrace(Millis at, const std::string& line) {
+  const std::lock_guard lock(mutex_);
+  arrivals_.emplace_back(Item{at, Tone::kTrace, "trace    " + line});
 }
 
 void LiveView::AddLine(const AtLine& line) {
@@ -43,12 +48,18 @@ void LiveView::EndSentences() {
 }
 
 void LiveView::Show(const SensorService& sensors) {
-  std::vector<AtLine> lines;
+  std::vector<std::variant<AtLine, Item>> arrivals;
   {
     const std::lock_guard lock(mutex_);
-    lines.swap(lines_);
+    arrivals.swap(arrivals_);
   }
-  for (const AtLine& line : lines) AddLine(line);
+  for (auto& arrival : arrivals) {
+    if (const auto* const line = std::get_if<AtLine>(&arrival)) {
+      AddLine(*line);
+    } else {
+      items_.push_back(std::move(std::get<Item>(arrival)));
+    }
+  }
   EndSentences();
 
   const auto states = sensors.StateHistory();

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <mutex>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "workbench/Console.h"
@@ -19,6 +20,8 @@ class LiveView {
 
   /// On the modem's thread.
   void OnLine(const AtLine& line);
+  /// A decoded trace message; on the tracing thread.
+  void OnTrace(Millis at, const std::string& line);
   /// Prints what is new. From one thread.
   void Show(const SensorService& sensors);
 
@@ -34,7 +37,7 @@ class LiveView {
 
   const Console& console_;
   std::mutex mutex_;
-  std::vector<AtLine> lines_;  // not shown yet
+  std::vector<std::variant<AtLine, Item>> arrivals_;  // not shown yet
 
   std::string lastCommand_;
   std::size_t sentences_ = 0;  // in a row, not shown yet

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "workbench/modem/TextNumber.h"
+#include "workbench/trace/TraceLevel.h"
 
 namespace bench {
 
@@ -80,6 +81,16 @@ std::string ReadSimChange(DemoOptions& options, std::string_view value) {
   return {};
 }
 
+std::string ReadUnplug(DemoOptions& options, std::string_view value) {
+  options.unplug = Seconds(value, 1);
+  return options.unplug ? "" : "a number of seconds from 1 to 604800";
+}
+
+std::string ReadTrace(DemoOptions& options, std::string_view value) {
+  options.trace = ToTraceLevel(value);
+  return options.trace ? "" : kTraceLevelHelp;
+}
+
 template <std::string DemoOptions::*Name>
 std::string ReadName(DemoOptions& options, std::string_view value) {
   options.*Name = value;
@@ -99,7 +110,7 @@ struct Option {
   std::string (*read)(DemoOptions& options, std::string_view value);
 };
 
-constexpr std::array<Option, 16> kOptions = {{
+constexpr std::array<Option, 21> kOptions = {{
     {"--seconds", "N", "how long it drives (default 30, with --nmea the whole log)", ReadSeconds},
     {"--interval", "MS",
      "a client and its report interval, 0 or from 1000 on; may be\n"
@@ -127,6 +138,11 @@ constexpr std::array<Option, 16> kOptions = {{
      "the SUPL configuration file (default: a small one with test\n"
      "networks in it)",
      ReadName<&DemoOptions::config>},
+    {"--no-config", "", "no SUPL configuration file is installed", SetFlag<&DemoOptions::noConfig>},
+    {"--no-at-port", "", "none of the device's USB interfaces is an AT port",
+     SetFlag<&DemoOptions::noAtPort>},
+    {"--unplug", "SECONDS", "the device is pulled out that long after the clients subscribed",
+     ReadUnplug},
     {"--hand-over", "",
      "the registry hands the modem over to another GNSS solution:\n"
      "shows that dialogue, without clients",
@@ -139,6 +155,15 @@ constexpr std::array<Option, 16> kOptions = {{
      ReadName<&DemoOptions::dll>},
     {"--transcript", "FILE", "write every line of the AT dialogue there, with its time",
      ReadName<&DemoOptions::transcript>},
+    {"--trace", "LEVEL",
+     "show and record the driver's trace: critical, error, warning,\n"
+     "information or verbose (1 to 5)",
+     ReadTrace},
+    {"--run-folder", "FOLDER",
+     "keep the run there: at.txt, the AT dialogue; with --trace also\n"
+     "trace.bin, the recorded trace, and trace.txt, its text (default\n"
+     "with --trace: run beside this program)",
+     ReadName<&DemoOptions::runFolder>},
     {"--all", "", "show every line, report and state in a run of over two minutes, too",
      SetFlag<&DemoOptions::all>},
     {"--quiet", "", "show the summary only", SetFlag<&DemoOptions::quiet>},
@@ -176,7 +201,11 @@ class Reader {
         return Wrong(std::move(wrong));
       }
     }
-    if (options.handOver && (!options.intervals.empty() || options.simChange || options.radioOff)) {
+    if (options.noConfig && !options.config.empty()) {
+      return Wrong("--no-config and --config exclude each other");
+    }
+    if (options.handOver &&
+        (!options.intervals.empty() || options.simChange || options.radioOff || options.unplug)) {
       return Wrong("--hand-over has no clients and no location requests");
     }
     if (options.intervals.empty()) {

@@ -30,6 +30,11 @@ struct DemoOptions {
   std::string config;
   bool handOver = false;
   bool radioOff = false;
+  bool noConfig = false;
+  bool noAtPort = false;
+  std::optional<Millis> unplug;        // after the clients have subscribed
+  std::optional<unsigned char> trace;  // the least grave level that is recorded
+  std::string runFolder;
   std::string dll;
   std::string transcript;
   bool all = false;

@@ -9,24 +9,14 @@
 
 #include <atomic>
 #include <cstdarg>
-#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <vector>
 
 #include "workbench/clock/Clock.h"
+#include "workbench/trace/TraceRecord.h"
 
 namespace bench {
-
-/// One message as the DLL emitted it.
-struct TraceRecord {
-  Millis time;
-  DWORD thread;
-  GUID message;
-  USHORT number;
-  ULONG flags;
-  std::vector<BYTE> arguments;  // the arguments' bytes, one after another
-};
 
 /// The one trace session of the workbench, and the providers that the DLL has registered with it.
 /// Any thread may call it.

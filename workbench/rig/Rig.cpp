@@ -1,15 +1,17 @@
 #include "workbench/rig/Rig.h"
 
-#include <array>
 #include <chrono>
 #include <stdexcept>
 #include <utility>
 
+#include "workbench/console/Program.h"
 #include "workbench/modem/DriveTrack.h"
 
 namespace bench {
 
 namespace {
+
+constexpr ULONG kAllFlags = 0xFFFFFFFF;
 
 SYSTEMTIME ToSystemTime(Utc time) {
   const auto day = std::chrono::floor<std::chrono::days>(time);
@@ -34,12 +36,6 @@ std::wstring Wide(const std::u16string& text) {
 
 }  // namespace
 
-std::filesystem::path ProgramFolder() {
-  std::array<wchar_t, MAX_PATH> path{};
-  GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
-  return std::filesystem::path(path.data()).parent_path();
-}
-
 Rig::Rig(Clock& clock, RigOptions options)
     : clock_(clock),
       sensors_({clock_, ledger_, calls_}, options.sensorService),
@@ -49,6 +45,10 @@ Rig::Rig(Clock& clock, RigOptions options)
   redirector_.Time().SetStartUtc(options.startUtc.value_or(ToSystemTime(track->Start())));
   redirector_.Time().SetStartTicks(options.startTicks);
   redirector_.Devices().Add(Wide(options.device.instanceId), options.deviceDescription);
+  if (options.trace) {
+    redirector_.Tracing().SetListener(std::move(options.trace->listener));
+    redirector_.Tracing().Enable(options.trace->level, kAllFlags);
+  }
   otherLink_ = std::move(options.link);
   if (!otherLink_) {
     modem_ = std::make_unique<Modem>(clock_, options.modem, std::move(track), options.observers);

@@ -22,6 +22,11 @@
 
 namespace bench {
 
+struct TraceOptions {
+  UCHAR level = TRACE_LEVEL_VERBOSE;
+  TraceSession::Listener listener;  // on the tracing thread, one message at a time
+};
+
 struct RigOptions {
   std::filesystem::path dll = "Stelvane.dll";  // as found from the program's own folder
   ModemOptions modem = {};
@@ -33,6 +38,8 @@ struct RigOptions {
   DevicePlan device = {};
   SensorService::Options sensorService = {};
   std::vector<ApiClass> withheldClasses;
+  /// A listener of the driver's trace, from the module's load on.
+  std::optional<TraceOptions> trace;
   /// Null: the device's description cannot be read.
   std::optional<std::wstring> deviceDescription = L"Workbench GNSS function";
   std::uint64_t startTicks = 3'600'000;  // ms since the simulated system's start
@@ -95,9 +102,6 @@ class Rig {
   bool released_ = false;
   HRESULT canUnload_ = S_FALSE;
 };
-
-/// The folder of the running program.
-std::filesystem::path ProgramFolder();
 
 /// The driver's class.
 inline constexpr CLSID kDriverClass = {
