@@ -24,8 +24,10 @@ if(STELVANE_SANITIZE)
   add_link_options(${sanitizers})
 endif()
 if(STELVANE_FUZZ)
-  add_compile_options(-fsanitize=fuzzer-no-link)
+  add_compile_options(-fsanitize=fuzzer-no-link -D_GLIBCXX_ASSERTIONS)
   add_link_options(-fsanitize=fuzzer-no-link)
+  # The targets need the workbench's clock and its tracing only.
+  set(native_bench_rooms clock)
 endif()
 
 # Clang 14 does not see that the library's strings are initialised constantly; the Windows build
@@ -75,6 +77,14 @@ target_link_libraries(stelvane_native PUBLIC native_kernel)
 target_link_libraries(native_kernel PUBLIC bench_native)
 target_link_libraries(bench_native PUBLIC native_kernel)
 
+set(sanitizer_options "UBSAN_OPTIONS=print_stacktrace=1;TSAN_OPTIONS=halt_on_error=1")
+if(STELVANE_SANITIZE MATCHES "address")
+  include(cmake/Fuzz.cmake)
+endif()
+if(STELVANE_FUZZ)
+  return()  # the tests run in the other presets
+endif()
+
 set(BUILD_GMOCK ON)
 set(INSTALL_GTEST OFF)
 add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
@@ -91,7 +101,6 @@ function(add_native_program name library)
   endif()
 endfunction()
 
-set(sanitizer_options "UBSAN_OPTIONS=print_stacktrace=1;TSAN_OPTIONS=halt_on_error=1")
 function(add_native_test name library)
   add_native_program(${name} ${library} ${ARGN})
   add_test(NAME ${name} COMMAND ${name})
