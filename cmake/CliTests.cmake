@@ -6,3 +6,8 @@ add_test(NAME cli
   COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/cli/cli_test.py
     ${PROJECT_SOURCE_DIR}/tools/wine-run $<TARGET_FILE:workbench>)
 set_tests_properties(cli PROPERTIES TIMEOUT 300)
+add_test(NAME cli_trace
+  COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/cli/trace_test.py
+    ${PROJECT_SOURCE_DIR}/tools/wine-run $<TARGET_FILE:workbench> $<TARGET_FILE:tracedecode>
+    ${PROJECT_SOURCE_DIR}/docs)
+set_tests_properties(cli_trace PROPERTIES TIMEOUT 300)
