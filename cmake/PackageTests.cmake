@@ -9,3 +9,9 @@ if(TARGET driver_modem_tests)
   target_compile_definitions(driver_modem_tests PRIVATE
     PACKAGE_FOLDER="${PROJECT_SOURCE_DIR}/package" DOCS_FOLDER="${PROJECT_SOURCE_DIR}/docs")
 endif()
+
+# The INF is read by Windows' own functions for it, out of the package as it was made.
+file(GLOB package_test_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/package/*.cpp)
+add_windows_test(package_tests ${package_test_sources})
+target_compile_definitions(package_tests PRIVATE
+  DRIVER_PACKAGE="${PROJECT_BINARY_DIR}/package" PROJECT_VERSION="${PROJECT_VERSION}")
