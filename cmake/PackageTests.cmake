@@ -15,3 +15,7 @@ file(GLOB package_test_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/pac
 add_windows_test(package_tests ${package_test_sources})
 target_compile_definitions(package_tests PRIVATE
   DRIVER_PACKAGE="${PROJECT_BINARY_DIR}/package" PROJECT_VERSION="${PROJECT_VERSION}")
+
+add_test(NAME package_and_signing
+  COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/package/package_test.py
+    ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR} ${PROJECT_VERSION})
