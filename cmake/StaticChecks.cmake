@@ -8,8 +8,9 @@ else()
 endif()
 
 set(dll_rules
-  machine exports version-record version-resource import-dlls import-functions driver-imports no-execute
-  address-randomisation relocations entry-point subsystem-version size stripped build-paths)
+  machine exports version-record version-resource import-dlls import-functions driver-imports
+  no-execute address-randomisation relocations entry-point subsystem-version size stripped
+  build-paths)
 if(TARGET Stelvane)
   foreach(rule IN LISTS dll_rules)
     add_test(NAME dll_${rule}
