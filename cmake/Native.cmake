@@ -8,7 +8,7 @@ endif()
 # parts, the reader of XML through MSXML (tests/native has one in its place).
 set(windows_only_sources driver/CxxRuntime.cpp driver/DllMain.cpp modem/SuplConfigFile.cpp
   modem/SuplDocument.cpp)
-set(windows_only_tests platform bench_imports trace modem)
+set(windows_only_tests platform bench_imports trace modem suplcheck)
 # Tests of the whole driver that ask for what only the DLL has: imports that fail, a registry, the
 # module itself, a configuration file.
 string(JOIN "|" needs_the_dll "[Ff]aults\\(\\)" "Registry\\(\\)" "module\\(\\)"
@@ -24,8 +24,7 @@ if(STELVANE_SANITIZE)
   add_link_options(${sanitizers})
 endif()
 if(STELVANE_FUZZ)
-  add_compile_options(-fsanitize=fuzzer-no-link -D_GLIBCXX_ASSERTIONS)
-  add_link_options(-fsanitize=fuzzer-no-link)
+  add_compile_options(-D_GLIBCXX_ASSERTIONS)
   # The targets need the workbench's clock and its tracing only.
   set(native_bench_rooms clock)
 endif()

@@ -89,10 +89,14 @@ void RequireSame(const char* what, const T& driver, const std::type_identity_t<T
 
 /// The same for a sequence of values.
 template <class Values>
-void RequireSameValues(const char* what, const Values& driver, const Values& reference) {
-  RequireSame((std::string(what) + ", count").c_str(), driver.size(), reference.size());
-  for (std::size_t i = 0; i < driver.size(); ++i) {
+void RequireSameValues(const char* what, const Values& driver,
+                       const std::type_identity_t<Values>& reference) {
+  for (std::size_t i = 0; i < driver.size() && i < reference.size(); ++i) {
+    if (Same(driver[i], reference[i])) continue;
     RequireSame((std::string(what) + " " + std::to_string(i)).c_str(), driver[i], reference[i]);
+  }
+  if (driver.size() != reference.size()) {
+    RequireSame((std::string(what) + ", count").c_str(), driver.size(), reference.size());
   }
 }
 
