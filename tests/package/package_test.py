@@ -15,7 +15,8 @@ VERSION = sys.argv[3]
 PACKAGE = BUILD / "package"
 ROOMS = ("base", "at", "modem", "sensor", "driver")
 CONTROL_FILE = "tmf/f4acaab5-c82f-4f79-bf37-c04f93c01389.tmc"
-TEXTS = {"Stelvane.inf", "StelvaneSUPLInfo-DTD.xml", "install.md"}
+COPIED_TEXTS = {"StelvaneSUPLInfo-DTD.xml": "package", "install.md": "docs", "debugging.md": "docs"}
+TEXTS = {"Stelvane.inf", *COPIED_TEXTS}
 DRIVERS = {"Stelvane.dll": "x64", "x86/Stelvane.dll": "x86"}
 FEW_DAYS_AFTER_1970 = 9 * 86400 + 5
 
@@ -59,7 +60,7 @@ class ContentsTest(unittest.TestCase):
             self.assertTrue(all(line.endswith("\r") for line in lines), name)
 
     def test_texts_are_otherwise_those_of_the_project(self):
-        for name, folder in ("StelvaneSUPLInfo-DTD.xml", "package"), ("install.md", "docs"):
+        for name, folder in COPIED_TEXTS.items():
             self.assertEqual((PACKAGE / name).read_bytes().replace(b"\r\n", b"\n"),
                              (SOURCE / folder / name).read_bytes())
 
