@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Tests of the small tools that test.sh relies on: what they must catch, and what they must not."""
 import os
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -127,6 +128,58 @@ class QuietlyTest(FileTest):
     def test_a_command_that_waits_for_input_gets_none(self):
         ran = run("quietly", os.path.join(self.folder, "log"), "cat")
         self.assertEqual(ran.returncode, 0)
+
+
+class FuzzTest(FileTest):
+    TARGETS = ("lines", "dialogue", "report", "profile", "numbers", "lead_times", "properties")
+    FINE = "echo 'cov: 5 ft: 6'; echo 'stat::number_of_executed_units: 1000'"
+    # The prefix of what it writes is among its options.
+    FINDS = ('for a; do case $a in -artifact_prefix=*) touch "${a#*=}crash-1" ;; esac; done; '
+             "exit 77")
+
+    def fuzz(self, *arguments, **bodies):
+        """Runs the tool in a tree of its own, on programs with these shell scripts."""
+        os.makedirs(os.path.join(self.folder, "build", "native-fuzz"))
+        os.mkdir(os.path.join(self.folder, "tools"))
+        tool = shutil.copy(os.path.join(TOOLS, "fuzz"), os.path.join(self.folder, "tools"))
+        for target in self.TARGETS:
+            body = bodies.get(target, self.FINE)
+            if body is not None:
+                os.chmod(self.write(f"build/native-fuzz/fuzz_{target}", f"#!/bin/sh\n{body}\n"),
+                         0o755)
+        return subprocess.run([tool, *arguments], capture_output=True, text=True, check=False)
+
+    def test_targets_that_find_nothing_are_added_up(self):
+        done = self.fuzz("--minute")
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertRegex(done.stdout, r"(?m)^report +1000 +\d+ +\d+ +5 +0$")
+        self.assertRegex(done.stdout, r"(?m)^total +7000 +\d+ +\d+ +35 +0$")
+
+    def test_rounds_go_on_until_the_executions_are_done(self):
+        done = self.fuzz("--executions", "15000")
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertRegex(done.stdout, r"(?m)^total +21000 ")
+
+    def test_a_finding_is_named_with_its_replay(self):
+        done = self.fuzz("--minute", report=self.FINDS)
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("replay: build/native-fuzz/fuzz_report "
+                      "build/fuzz/minute/findings/report-crash-1\n", done.stdout)
+
+    def test_a_target_with_a_finding_does_not_hold_the_others_up(self):
+        done = self.fuzz("--executions", "15000", report=self.FINDS)
+        self.assertEqual(done.returncode, 1)
+        self.assertRegex(done.stdout, r"(?m)^total +18000 .* 1$")
+
+    def test_a_target_that_fails_without_an_input_is_a_finding(self):
+        done = self.fuzz("--minute", lines="exit 1")
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("lines: build/fuzz/minute/log/lines.log", done.stdout)
+
+    def test_a_target_that_is_not_built_is_told(self):
+        done = self.fuzz("--minute", numbers=None)
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("fuzz_numbers is not built", done.stderr)
 
 
 if __name__ == "__main__":
