@@ -39,7 +39,9 @@ Modem::Core::Core(Clock& clock, ModemOptions options, std::unique_ptr<TrackSourc
                    [this](Millis due, const LocationRequest& request, const GnssFix& fix) {
                      SendReport(due, request.id, !request.interval, false, fix);
                    },
-               .onNoFix = [this](Millis due) { SendFixError(due); }}) {
+               .onNoFix = [this](Millis due) { SendFixError(due); }}),
+      reportForm_(options_.reportForm),
+      reportShape_(options_.reportShape) {
   // What goes wrong from the start does so before the host's first request.
   const Millis now = clock_.Now();
   Plan(now, options_.faults);

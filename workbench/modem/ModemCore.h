@@ -83,6 +83,8 @@ class Modem::Core {
   GnssEngine engine_;
   CommandFaults commandFaults_;
   std::vector<Happening> happenings_;
+  int reportForm_;
+  ReportShape reportShape_;
   std::string inbox_;
   std::string line_;               // received, its end not yet
   std::deque<std::string> lines_;  // whole, waiting for the command before them

@@ -104,10 +104,9 @@ void Modem::Core::SendReport(Millis due, std::uint32_t id, bool single, bool str
                .requestId = id,
                .single = single,
                .straggler = straggler,
-               .fix = AsReported(fix, options_.reportForm)};
-  std::string text =
-      Line(WriteReport(sent.fix, options_.reportForm, options_.blankBeforeHemisphere));
-  if (options_.reportShape == ReportShape::kOkThenSentences) text += Line("OK");
+               .fix = AsReported(fix, reportForm_)};
+  std::string text = Line(WriteReport(sent.fix, reportForm_, options_.blankBeforeHemisphere));
+  if (reportShape_ == ReportShape::kOkThenSentences) text += Line("OK");
   for (const std::string& sentence : sent.fix.sentences) text.append(sentence).append(kLineEnd);
   text += Line("OK");
 
@@ -180,6 +179,12 @@ void Modem::Core::Apply(Millis due, const TimedFault& fault) {
       return port_.Join(fault.amount);
     case ModemAction::kStallControl:
       stalls_ = fault.amount;
+      return;
+    case ModemAction::kForm:
+      reportForm_ = static_cast<int>(fault.amount);
+      return;
+    case ModemAction::kShape:
+      reportShape_ = static_cast<ReportShape>(fault.amount);
       return;
   }
 }

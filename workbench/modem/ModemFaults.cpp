@@ -7,6 +7,7 @@
 #include <optional>
 #include <utility>
 
+#include "workbench/modem/ReportWriter.h"
 #include "workbench/modem/TextFile.h"
 #include "workbench/modem/TextNumber.h"
 
@@ -111,6 +112,10 @@ class ScriptReader {
       wrong = ReadEcho(fault);
     } else if (name == "cut") {
       wrong = ReadCut(fault);
+    } else if (name == "form") {
+      wrong = ReadForm(fault);
+    } else if (name == "shape") {
+      wrong = ReadShape(fault);
     } else {
       wrong = ReadPlainAction(name, fault);
     }
@@ -134,6 +139,27 @@ class ScriptReader {
       word = TakeWord(rest_);
     }
     return ReadWhole(word, fault.amount);
+  }
+
+  std::string ReadForm(TimedFault& fault) {
+    fault.action = ModemAction::kForm;
+    const std::string_view word = TakeWord(rest_);
+    const auto form = Whole(word);
+    if (!form || *form >= kReportForms) return "expected a report form, not " + Quoted(word);
+    fault.amount = *form;
+    return {};
+  }
+
+  std::string ReadShape(TimedFault& fault) {
+    fault.action = ModemAction::kShape;
+    const std::string_view word = TakeWord(rest_);
+    if (word != "ok-first" && word != "sentences-first") {
+      return "expected \"ok-first\" or \"sentences-first\", not " + Quoted(word);
+    }
+    const bool okFirst = word == "ok-first";
+    fault.amount = static_cast<std::int64_t>(okFirst ? ReportShape::kOkThenSentences
+                                                     : ReportShape::kSentencesOnly);
+    return {};
   }
 
   std::string ReadPlainAction(std::string_view name, TimedFault& fault) {

@@ -13,6 +13,8 @@
 //     cut <bytes>|random <seed>|off  output arrives in pieces of that many bytes
 //     join <milliseconds>            output is held that long and arrives joined; 0 ends it
 //     stall-control <count>          so many control requests fail
+//     form <0 to 3>                  reports have that form from now on
+//     shape ok-first|sentences-first what follows a report from now on
 //
 //   on <command> <reaction> [count]  to the next `count` (default 1, or "always") such commands
 //     silence                        neither echoed nor answered nor obeyed
@@ -38,6 +40,10 @@
 
 namespace bench {
 
+/// What follows a report: its own "OK" and then the sentences, or the sentences at once. Both end
+/// with an "OK" of their own.
+enum class ReportShape { kOkThenSentences, kSentencesOnly };
+
 enum class ModemAction {
   kSilent,        // amount: milliseconds
   kLoseFix,       // amount: milliseconds
@@ -51,6 +57,8 @@ enum class ModemAction {
   kCutRandom,     // amount: seed
   kJoin,          // amount: milliseconds
   kStallControl,  // amount: count
+  kForm,          // amount: 0 to 3
+  kShape,         // amount: a ReportShape
 };
 
 struct TimedFault {

@@ -9,10 +9,6 @@
 
 namespace bench {
 
-/// What follows a report: its own "OK" and then the sentences, or the sentences at once. Both end
-/// with an "OK" of their own.
-enum class ReportShape { kOkThenSentences, kSentencesOnly };
-
 /// The USB configuration in the modem's memory, as text.
 struct UsbProfile {
   std::string profile = "MBIM_GNSS";

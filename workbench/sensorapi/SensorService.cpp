@@ -96,6 +96,7 @@ void SensorService::Deliver(const Report& report, const std::vector<IWDFFile*>& 
     }
     events_.push_back({files.size(), report});
   }
+  if (SensorListener* const listener = listener_) listener->OnReport({files.size(), report});
   world_.clock.Notify();
 }
 
@@ -107,6 +108,7 @@ void SensorService::Deliver(SensorState state) {
     for (const Session& session : sessions_) session.inbox->Add(change);
     states_.push_back(change);
   }
+  if (SensorListener* const listener = listener_) listener->OnState(change);
   world_.clock.Notify();
 }
 

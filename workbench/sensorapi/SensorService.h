@@ -3,6 +3,7 @@
 
 #include <sensorsapi.h>
 
+#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <mutex>
@@ -29,6 +30,15 @@ struct StateChange {
 struct PostedEvent {
   std::size_t subscribers = 0;
   Report report;
+};
+
+/// Who wants to know at once what the driver told its clients. Called on the driver's thread with
+/// no lock held.
+class SensorListener {
+ public:
+  virtual ~SensorListener() = default;
+  virtual void OnReport(const PostedEvent& event) {}
+  virtual void OnState(const StateChange& change) {}
 };
 
 /// What one session received. Shared by the session and the service, so that a delivery may run
@@ -91,6 +101,9 @@ class SensorService {
   /// Waits until there were `count` events in all.
   bool WaitForEvents(std::size_t count, Millis deadline) const;
 
+  /// Null: nobody. To be set while nothing is delivered; has to outlive the deliveries.
+  void SetListener(SensorListener* listener) { listener_ = listener; }
+
   /// The class extension that was initialized last; null once it was uninitialized. The pointer
   /// stays good as long as the ledger lives.
   ClassExtension* Extension() const;
@@ -112,6 +125,7 @@ class SensorService {
 
   const World world_;
   const Options options_;
+  std::atomic<SensorListener*> listener_{nullptr};
   mutable std::mutex mutex_;
   ClassExtension* extension_ = nullptr;
   std::vector<Session> sessions_;

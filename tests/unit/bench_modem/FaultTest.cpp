@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/unit/bench_modem/ModemHost.h"
+#include "workbench/modem/ReportWriter.h"
 
 namespace bench {
 namespace {
@@ -116,6 +117,16 @@ TEST(ModemFault, TimedSilenceSwallowsCommandsAndReports) {
   EXPECT_EQ(host.modem.Snapshot().fixesSent, 2u);
   EXPECT_NE(host.ReadFor(1000), "");
   EXPECT_EQ(host.modem.Snapshot().fixesSent, 3u);
+}
+
+TEST(ModemFault, FormAndShapeOfTheReportsChange) {
+  ModemHost host(With("at 1.5 form 3\nat 1.5 shape sentences-first"));
+  host.Ask(kEverySecond);
+  const std::string text = host.ReadFor(2500);
+  ASSERT_EQ(host.Fixes().size(), 2u);
+  const std::string sentences = "$GPXXX,first*00\r\n$GPXXX,second*00\r\n" + std::string(kOk);
+  EXPECT_EQ(text, "\r\n" + WriteReport(host.Fixes()[0].fix, 0) + "\r\n" + kOk + sentences + "\r\n" +
+                      WriteReport(host.Fixes()[1].fix, 3) + "\r\n" + sentences);
 }
 
 TEST(ModemFault, LostFixComesBack) {

@@ -116,6 +116,24 @@ TEST_F(ClientSessionTest, WaitsForAStateOnTheClock) {
   EXPECT_FALSE(session.WaitForState(SENSOR_STATE_ERROR, 30));
 }
 
+TEST_F(ClientSessionTest, AListenerHearsWhatTheClientsAreTold) {
+  struct Listener final : SensorListener {
+    void OnReport(const PostedEvent& event) override { subscribers.push_back(event.subscribers); }
+    void OnState(const StateChange& change) override { states.push_back(change.state); }
+    std::vector<std::size_t> subscribers;
+    std::vector<SensorState> states;
+  } listener;
+  service.SetListener(&listener);
+  session.Connect();
+  session.Subscribe();
+  PostState(SENSOR_STATE_READY);
+  Post(SampleReport());
+  service.SetListener(nullptr);
+  Post(SampleReport());
+  EXPECT_THAT(listener.states, ElementsAre(SENSOR_STATE_READY));
+  EXPECT_THAT(listener.subscribers, ElementsAre(1u));
+}
+
 TEST_F(ClientSessionTest, SetsTheIntervalAndTheAccuracyThroughTheirProperties) {
   driver->properties = {{Key(13), Variant::Ui4(0)}, {Key(19), Variant::Ui4(0)}};
   session.Connect();
