@@ -122,14 +122,23 @@ class SigningTest(FolderTest):
         code, messages = self.sign(*options)
         self.assertEqual(code, 0, messages)
 
-    def certificate(self, password, key_use="codeSigning"):
-        """A PFX of a new certificate, protected by a password."""
-        for command in (
-                ["req", "-x509", "-newkey", "rsa:2048", "-nodes", "-subj", "/CN=Somebody",
-                 "-addext", f"extendedKeyUsage={key_use}", "-keyout", "key.pem", "-out", "own.pem"],
-                ["pkcs12", "-export", "-inkey", "key.pem", "-in", "own.pem", "-out", "own.pfx",
-                 "-passout", f"pass:{password}"]):
-            subprocess.run(["openssl", *command], cwd=self.folder, check=True, capture_output=True)
+    def openssl(self, *command):
+        subprocess.run(["openssl", *command], cwd=self.folder, check=True, capture_output=True)
+
+    def certificate(self, password="", key_use="codeSigning", issuer=None):
+        """A PFX of a new certificate, protected by a password; without an issuer its own root."""
+        request = ["req", "-newkey", "rsa:2048", "-nodes", "-keyout", "key.pem",
+                   "-subj", "/CN=Somebody"]
+        if issuer:
+            (self.folder / "use").write_text(f"extendedKeyUsage={key_use}\n")
+            self.openssl(*request, "-out", "request.pem")
+            self.openssl("x509", "-req", "-in", "request.pem", "-CA", f"{issuer}.pem",
+                         "-CAkey", f"{issuer}.key", "-extfile", "use", "-out", "own.pem")
+        else:
+            self.openssl(*request, "-x509", "-addext", f"extendedKeyUsage={key_use}",
+                         "-out", "own.pem")
+        self.openssl("pkcs12", "-export", "-inkey", "key.pem", "-in", "own.pem",
+                     "-out", "own.pfx", "-passout", f"pass:{password}")
         return "--certificate", self.folder / "own.pfx"
 
     def password(self, text):
@@ -168,13 +177,20 @@ class SigningTest(FolderTest):
         self.assert_accepted()
         self.assert_refused("the signature is not valid", "--check", *own)
 
+    def test_the_root_of_a_certificate_can_be_given(self):
+        self.openssl("req", "-x509", "-newkey", "rsa:2048", "-nodes", "-subj", "/CN=Root",
+                     "-keyout", "root.key", "-out", "root.pem")
+        own = self.certificate(issuer="root")
+        self.assert_refused("the signature is not valid", *own)
+        self.assert_accepted(*own, "--ca", self.folder / "root.pem")
+
     def test_a_wrong_password_is_refused(self):
         own = self.certificate("secret")
         self.assert_refused("not opened with this password", *own)
         self.assert_refused("not opened with this password", *own, *self.password("other"))
 
     def test_a_certificate_for_other_uses_is_refused(self):
-        own = self.certificate("", key_use="serverAuth")
+        own = self.certificate(key_use="serverAuth")
         self.assert_refused("the signature is not valid", *own)
 
     def test_what_is_no_program_is_refused(self):
