@@ -55,7 +55,13 @@ void* AskFor(const World& world, IUnknown& object, const GUID& iid) {
   // A value that a correct answer replaces in every case.
   static int untouched = 0;
   void* found = &untouched;
-  const HRESULT result = object.QueryInterface(iid, &found);
+  HRESULT result = E_NOINTERFACE;
+  try {
+    result = object.QueryInterface(iid, &found);
+  } catch (...) {
+    world.ledger.Report(rule::kEscapedException, "IUnknown::QueryInterface");
+    return nullptr;
+  }
   const bool given = found != nullptr && found != &untouched;
   if (SUCCEEDED(result) == given && found != &untouched) return found;
   world.ledger.Report(rule::kQueryInterface, "callback object asked for " + InterfaceName(iid) +

@@ -28,6 +28,10 @@ stelvane::ComPtr<Interface> AskFor(const World& world, IUnknown& object) {
 void AskForUndrivenDeviceCallbacks(const World& world, IUnknown& object);
 void AskForUndrivenQueueCallbacks(const World& world, IUnknown& object);
 
+/// Holds a callback object to the rules of QueryInterface, over every callback interface of the
+/// framework and, if given, one `further`.
+void CheckQueryInterface(const World& world, IUnknown& object, const GUID* further = nullptr);
+
 /// Runs one callback ("Interface::Method"): notes it in the call record, and reports an exception
 /// that comes out of it.
 template <class Body>

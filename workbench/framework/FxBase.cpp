@@ -46,7 +46,10 @@ ULONG FxBase::DropReference() {
 
 FxBase::Entered FxBase::Enter(std::string_view call) {
   Entered entered{.begun = world_.calls.Begin(name_, call)};
-  if (!IsUsable()) {
+  if (world_.ledger.Refuses(name_, call)) {
+    entered.refused = true;
+    entered.refusal = E_UNEXPECTED;
+  } else if (!IsUsable()) {
     Report(BrokenBy(call), call);
     entered.refused = true;
     entered.refusal = E_UNEXPECTED;

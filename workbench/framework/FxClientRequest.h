@@ -14,6 +14,9 @@ namespace bench {
 
 class FxQueue;
 
+/// How long a driver may take to answer what it holds once it is asked to.
+inline constexpr Millis kAnswerLimit = 1000;
+
 class FxClientRequest final : public FxRequest {
  public:
   struct Parameters {
@@ -34,6 +37,8 @@ class FxClientRequest final : public FxRequest {
 
   /// From now on it is the driver that owes an answer.
   void GiveToDriver() { withDriver_ = true; }
+  /// The answer is due by kAnswerLimit from now; a later one is reported.
+  void AskForAnswer() { due_ = world().clock.Now() + kAnswerLimit; }
   /// Ends a request that the framework itself answers.
   void Finish(HRESULT status, std::size_t information);
 
@@ -64,6 +69,7 @@ class FxClientRequest final : public FxRequest {
   FxMemory* output_ = nullptr;
   std::atomic<bool> withDriver_{false};
   std::atomic<bool> completed_{false};
+  std::atomic<Millis> due_{kForever};
   std::atomic<std::size_t> information_{0};
 };
 

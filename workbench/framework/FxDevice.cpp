@@ -19,6 +19,7 @@ FxDevice::FxDevice(const World& world, FxDriver& driver, const DevicePlan& plan,
       choices_(choices) {}
 
 void FxDevice::TakeCallbacks(IUnknown& callbackObject) {
+  CheckQueryInterface(world(), callbackObject);
   callbacks_.pnp = AskFor<IPnpCallback>(world(), callbackObject);
   callbacks_.hardware = AskFor<IPnpCallbackHardware>(world(), callbackObject);
   callbacks_.selfManagedIo = AskFor<IPnpCallbackSelfManagedIo>(world(), callbackObject);
@@ -110,12 +111,15 @@ HRESULT FxDevice::CreateIoQueue(IUnknown* callbackInterface, BOOL isDefault,
   return Invoke("IWDFDevice::CreateIoQueue", [&] {
     *ioQueue = nullptr;
     if (callbackInterface == nullptr) return kBadConfiguration;
-    if (isDefault == FALSE || dispatchType != WdfIoQueueDispatchParallel || powerManaged != FALSE) {
-      Report(rule::kUnexpectedCall,
-             "CreateIoQueue of other than a default queue, parallel and not power managed");
+    if (isDefault == FALSE || dispatchType != WdfIoQueueDispatchParallel) {
+      Report(rule::kUnexpectedCall, "CreateIoQueue of other than a default queue and parallel");
       return E_NOTIMPL;
     }
+    // The framework would hold requests back in a low-power state, which a driver that idles its
+    // device would never leave again for them.
+    if (powerManaged != FALSE) Report(rule::kPowerManagedQueue, "CreateIoQueue");
     if (DefaultQueue() != nullptr) return kInvalidDeviceState;
+    CheckQueryInterface(world(), *callbackInterface);
     auto callback = AskFor<IQueueCallbackDeviceIoControl>(world(), *callbackInterface);
     if (!callback) return kBadConfiguration;
     AskForUndrivenQueueCallbacks(world(), *callbackInterface);
@@ -156,6 +160,7 @@ HRESULT FxDevice::CreateRequest(IUnknown* callbackInterface, IWDFObject* parentO
     if (parent == nullptr) return E_INVALIDARG;
     auto& made = Make<FxSentRequest>(world(), parent);
     if (callbackInterface != nullptr) {
+      CheckQueryInterface(world(), *callbackInterface);
       made.CallAtCleanup(AskFor<IObjectCleanup>(world(), *callbackInterface));
     }
     made.HandOut(request);

@@ -45,6 +45,7 @@ HRESULT FxDriver::CreateWdfMemory(SIZE_T bufferSize, IUnknown* callbackInterface
     FxMemory& made =
         Make<FxMemory>(world(), parent, "memory", DeletedBy::kDriver, std::size_t{bufferSize});
     if (callbackInterface != nullptr) {
+      CheckQueryInterface(world(), *callbackInterface);
       made.CallAtCleanup(AskFor<IObjectCleanup>(world(), *callbackInterface));
     }
     made.HandOut(memory);

@@ -4,6 +4,7 @@
 #include "base/ComPtr.h"
 #include "platform/WdfCallbacks.h"
 #include "platform/WdfObject.h"
+#include "workbench/framework/DriverCall.h"
 #include "workbench/framework/FxBase.h"
 #include "workbench/framework/InterfaceNames.h"
 #include "workbench/framework/Results.h"
@@ -97,7 +98,10 @@ class FxObject : public FxUnknown<Primary, Extras...> {
 
  protected:
   void CallCleanups() override {
-    for (const auto& callback : std::exchange(cleanups_, {})) callback->OnCleanup(this);
+    for (const auto& callback : std::exchange(cleanups_, {})) {
+      CallDriverVoid(this->world(), "IObjectCleanup::OnCleanup",
+                     [&] { callback->OnCleanup(this); });
+    }
   }
 
  private:

@@ -5,11 +5,6 @@
 
 namespace bench {
 
-namespace {
-// How long a driver may take to answer what it holds once the queue is to stop.
-constexpr Millis kAnswerLimit = 1000;
-}  // namespace
-
 FxQueue::FxQueue(const World& world, FxDevice& device,
                  stelvane::ComPtr<IQueueCallbackDeviceIoControl> callback)
     : FxObject(world, "queue", DeletedBy::kFramework),
@@ -71,6 +66,11 @@ std::size_t FxQueue::Waiting() const {
 std::size_t FxQueue::WithDriver() const {
   const std::lock_guard lock(mutex_);
   return withDriver_.size();
+}
+
+void FxQueue::AskForAnswers() {
+  const std::lock_guard lock(mutex_);
+  for (FxClientRequest* request : withDriver_) request->AskForAnswer();
 }
 
 void FxQueue::WaitForDriver(std::string_view call) {

@@ -31,6 +31,9 @@ class FxQueue final : public FxObject<IWDFIoQueue> {
   std::size_t Waiting() const;
   std::size_t WithDriver() const;
 
+  /// The device is to suspend: what the driver holds has to be answered within a second.
+  void AskForAnswers();
+
   void STDMETHODCALLTYPE GetDevice(IWDFDevice** device) override;
   HRESULT STDMETHODCALLTYPE ConfigureRequestDispatching(WDF_REQUEST_TYPE requestType,
                                                         BOOL forward) override;

@@ -1,5 +1,6 @@
 #include "workbench/framework/FxUsbPipe.h"
 
+#include "workbench/framework/DriverCall.h"
 #include "workbench/framework/FxMemory.h"
 #include "workbench/framework/FxSentRequest.h"
 
@@ -96,7 +97,7 @@ USBD_PIPE_TYPE FxUsbPipe::GetType() {
 }
 
 HRESULT FxUsbPipe::ConfigureContinuousReader(
-    SIZE_T transferLength, SIZE_T headerLength, SIZE_T trailerLength, UCHAR,
+    SIZE_T transferLength, SIZE_T headerLength, SIZE_T trailerLength, UCHAR numPendingReads,
     IUnknown* memoryCleanupCallbackInterface,
     IUsbTargetPipeContinuousReaderCallbackReadComplete* onCompletion, PVOID completionContext,
     IUsbTargetPipeContinuousReaderCallbackReadersFailed* onFailure) {
@@ -112,6 +113,11 @@ HRESULT FxUsbPipe::ConfigureContinuousReader(
       Report(rule::kUnexpectedCall, "a reader with header, trailer or memory clean-up");
       return E_NOTIMPL;
     }
+    // With more, or the framework's own choice (0), completions overlap and bytes change their
+    // order.
+    if (numPendingReads != 1) Report(rule::kPendingReads, std::to_string(numPendingReads));
+    CheckQueryInterface(world(), *onCompletion);
+    if (onFailure != nullptr) CheckQueryInterface(world(), *onFailure);
     started_ = false;
     auto reader = std::make_unique<ContinuousReader>(
         *this, world(), usb_,

@@ -14,14 +14,19 @@ namespace bench {
 
 stelvane::ComPtr<IDriverEntry> LoadDriver(IClassFactory& factory, const World& world,
                                           HRESULT& result) {
+  const auto create = [&](const GUID& iid, void** object) {
+    return CallDriver(world, "IClassFactory::CreateInstance",
+                      [&] { return factory.CreateInstance(nullptr, iid, object); });
+  };
   stelvane::ComPtr<IDriverEntry> entry;
-  result =
-      factory.CreateInstance(nullptr, iidOf<IDriverEntry>, reinterpret_cast<void**>(entry.Put()));
-  if (SUCCEEDED(result)) return entry;
-  stelvane::ComPtr<IUnknown> object;
-  result = factory.CreateInstance(nullptr, iidOf<IUnknown>, reinterpret_cast<void**>(object.Put()));
-  if (SUCCEEDED(result)) entry = AskFor<IDriverEntry>(world, *object.Get());
-  if (SUCCEEDED(result) && !entry) result = E_NOINTERFACE;
+  result = create(iidOf<IDriverEntry>, reinterpret_cast<void**>(entry.Put()));
+  if (FAILED(result)) {
+    stelvane::ComPtr<IUnknown> object;
+    result = create(iidOf<IUnknown>, reinterpret_cast<void**>(object.Put()));
+    if (SUCCEEDED(result)) entry = AskFor<IDriverEntry>(world, *object.Get());
+    if (SUCCEEDED(result) && !entry) result = E_NOINTERFACE;
+  }
+  if (entry) CheckQueryInterface(world, *entry.Get());
   return entry;
 }
 
@@ -48,6 +53,13 @@ HRESULT Host::Step(std::string_view step, Call call) {
   const HRESULT result = CallDriver(world_, step, call);
   const std::lock_guard lock(stepsLock_);
   steps_.push_back({.step = std::string(step.substr(step.rfind(':') + 1)), .result = result});
+  return result;
+}
+
+template <class Call>
+HRESULT Host::StepDown(std::string_view step, Call call) {
+  const HRESULT result = Step(step, call);
+  if (FAILED(result) && !usb_->IsUnplugged()) world_.ledger.Report(rule::kFailedWayDown, step);
   return result;
 }
 
@@ -122,9 +134,10 @@ HRESULT Host::SelfManagedIoInit() {
 HRESULT Host::SelfManagedIoSuspend() {
   Expect("SelfManagedIoSuspend", {State::kRunning});
   HRESULT result = S_OK;
+  if (FxQueue* const queue = device()->DefaultQueue(); queue != nullptr) queue->AskForAnswers();
   if (const auto& callback = device()->callbacks().selfManagedIo) {
-    result = Step("IPnpCallbackSelfManagedIo::OnSelfManagedIoSuspend",
-                  [&] { return callback->OnSelfManagedIoSuspend(device_); });
+    result = StepDown("IPnpCallbackSelfManagedIo::OnSelfManagedIoSuspend",
+                      [&] { return callback->OnSelfManagedIoSuspend(device_); });
   }
   state_ = State::kWorking;
   return result;
@@ -134,7 +147,8 @@ HRESULT Host::D0Exit(WDF_POWER_DEVICE_STATE newState) {
   Expect("D0Exit", {State::kWorking});
   HRESULT result = S_OK;
   if (const auto& callback = device()->callbacks().pnp) {
-    result = Step("IPnpCallback::OnD0Exit", [&] { return callback->OnD0Exit(device_, newState); });
+    result =
+        StepDown("IPnpCallback::OnD0Exit", [&] { return callback->OnD0Exit(device_, newState); });
   }
   state_ = State::kPoweredDown;
   return result;
@@ -175,8 +189,8 @@ HRESULT Host::ReleaseHardware() {
                              State::kPoweredDown, State::kCleanedUp});
   HRESULT result = S_OK;
   if (const auto& callback = device()->callbacks().hardware) {
-    result = Step("IPnpCallbackHardware::OnReleaseHardware",
-                  [&] { return callback->OnReleaseHardware(device_); });
+    result = StepDown("IPnpCallbackHardware::OnReleaseHardware",
+                      [&] { return callback->OnReleaseHardware(device_); });
   }
   device()->CheckIdleBalance();
   state_ = State::kReleased;

@@ -124,6 +124,9 @@ class Host {
   void Expect(std::string_view step, std::initializer_list<State> legal) const;
   template <class Call>
   HRESULT Step(std::string_view step, Call call);
+  /// A step of the way down, which may fail only for a device that is gone.
+  template <class Call>
+  HRESULT StepDown(std::string_view step, Call call);
   template <class Call>
   void StepVoid(std::string_view step, Call call);
 

@@ -2,38 +2,21 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
+
+#include "workbench/framework/Rules.h"
 
 namespace bench {
 
 class FxBase;
-
-/// The names of the rules; a violation reads "<rule>: <what happened>".
-namespace rule {
-inline constexpr std::string_view kLeak = "leaked reference";
-inline constexpr std::string_view kOverRelease = "released too often";
-inline constexpr std::string_view kDeletedObject = "use of a deleted object";
-inline constexpr std::string_view kForeignObject = "not a framework object";
-inline constexpr std::string_view kFrameworkOwned = "delete of an object of the framework";
-inline constexpr std::string_view kUnexpectedCall = "unexpected call";
-inline constexpr std::string_view kBadArgument = "bad argument";
-inline constexpr std::string_view kBadFormat = "bad request format";
-inline constexpr std::string_view kCompletedTwice = "request completed twice";
-inline constexpr std::string_view kTouchedAfterCompletion = "request touched after completion";
-inline constexpr std::string_view kNeverCompleted = "request never completed";
-inline constexpr std::string_view kSlowAnswer = "request not answered in time";
-inline constexpr std::string_view kReaderReentered = "reader controlled from its own callback";
-inline constexpr std::string_view kReaderOverlap = "reader start and stop overlap";
-inline constexpr std::string_view kIdleBalance = "idle balance";
-inline constexpr std::string_view kQueryInterface = "query interface";
-inline constexpr std::string_view kEscapedException = "exception left a callback";
-}  // namespace rule
 
 /// Owns the objects until the end of the run, dead ones too, so that a use after the end of an
 /// object is caught by name instead of crashing. Outlives the host; all methods from any thread.
@@ -56,6 +39,15 @@ class Ledger {
   /// Makes a violation of every object that the driver still holds.
   void ReportLeaks();
 
+  /// Looks at a call of the driver ("Interface::Method") on the thread that makes it, reports what
+  /// is wrong with the place it is made from, and says whether it is to be refused.
+  using CallCheck = std::function<bool(std::string_view object, std::string_view call)>;
+  /// To be set before the driver runs.
+  void SetCallCheck(CallCheck check) { callCheck_ = std::move(check); }
+  bool Refuses(std::string_view object, std::string_view call) const {
+    return callCheck_ && callCheck_(object, call);
+  }
+
   /// Waits until nothing runs on behalf of deleted objects any more: a reader whose target was
   /// deleted from its own callback is still in it.
   void WaitForDeleted();
@@ -74,6 +66,8 @@ class Ledger {
   mutable std::mutex objectLock_;
   std::vector<std::unique_ptr<FxBase>> objects_;
   std::unordered_map<const void*, FxBase*> byPointer_;
+
+  CallCheck callCheck_;
 
   mutable std::mutex reportLock_;
   struct Entry {

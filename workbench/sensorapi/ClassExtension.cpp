@@ -42,6 +42,7 @@ std::string ClassExtension::SensorId() const {
 HRESULT STDMETHODCALLTYPE ClassExtension::Initialize(IUnknown* device, IUnknown* sensorDriver) {
   return Call("Initialize", [&] {
     if (device == nullptr || sensorDriver == nullptr) return E_POINTER;
+    CheckQueryInterface(world(), *sensorDriver, &iidOf<ISensorDriver>);
     ComPtr<ISensorDriver> callbacks = AskFor<ISensorDriver>(world(), *sensorDriver);
     if (!callbacks) return E_NOINTERFACE;
     std::vector<WCHAR> sensorId;
