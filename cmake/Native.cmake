@@ -6,13 +6,14 @@ endif()
 
 # What talks to Windows alone: the entry point and the exports, the DLL's replacements of library
 # parts, the reader of XML through MSXML (tests/native has one in its place).
-set(windows_only_sources driver/CxxRuntime.cpp driver/DllMain.cpp modem/SuplConfigFile.cpp
+set(windows_only_sources
+  driver/CxxExceptions.cpp driver/CxxRuntime.cpp driver/DllMain.cpp modem/SuplConfigFile.cpp
   modem/SuplDocument.cpp)
 set(windows_only_tests platform bench_imports trace modem suplcheck)
 # Tests of the whole driver that ask for what only the DLL has: imports that fail, a registry, the
 # module itself, a configuration file.
 string(JOIN "|" needs_the_dll "[Ff]aults\\(\\)" "Registry\\(\\)" "module\\(\\)"
-  LetTheRuntimeSettle systemRoot "SuplTest\\.h")
+  systemRoot "SuplTest\\.h")
 set(native_bench_rooms clock framework sensorapi modem record)
 
 # Everything is compiled alike, GoogleTest too: half a sanitized program reports what is not there.

@@ -6,7 +6,8 @@ foreach(room IN LISTS product_rooms)
   list(APPEND product_sources ${sources})
 endforeach()
 # Replaces parts of the C++ library, which test programs need whole.
-set(dll_only_sources ${PROJECT_SOURCE_DIR}/driver/CxxRuntime.cpp)
+set(dll_only_sources
+  ${PROJECT_SOURCE_DIR}/driver/CxxExceptions.cpp ${PROJECT_SOURCE_DIR}/driver/CxxRuntime.cpp)
 list(REMOVE_ITEM product_sources ${dll_only_sources})
 include(cmake/Trace.cmake)
 

@@ -132,8 +132,8 @@ TEST_F(ModuleTest, TheModuleStaysWhileAnObjectLivesAfterTheDriverObjectWasReleas
 TEST_F(ModuleTest, OutOfMemoryForTheDriverObjectIsSaid) {
   Load();
   const stelvane::ComPtr<IClassFactory> factory = Factory();
-  LetTheRuntimeSettle();
   void* object = this;
+  faults().Clear();
   faults().FailImport("malloc", 1);
   EXPECT_EQ(factory->CreateInstance(nullptr, iidOf<IDriverEntry>, &object), E_OUTOFMEMORY);
   faults().Clear();

@@ -33,16 +33,6 @@ class RigTest : public testing::Test {
     return rig;
   }
   Rig& rig() { return *rig_; }
-  /// Makes the DLL throw once on this thread: the C++ runtime keeps a few blocks for a thread from
-  /// its first exception on. Before anything else has been made.
-  void LetTheRuntimeSettle() {
-    void* object = nullptr;
-    faults().Clear();
-    faults().FailImport("malloc", 1);
-    EXPECT_EQ(rig_->factory().CreateInstance(nullptr, iidOf<IUnknown>, &object), E_OUTOFMEMORY);
-    faults().Clear();
-    rig_->redirector().Books().Mark();
-  }
   const DeviceCallbackSet& callbacks() { return rig_->host().device()->callbacks(); }
   FxDevice* device() { return rig_->host().device(); }
   FaultPlan& faults() { return rig_->redirector().Faults(); }

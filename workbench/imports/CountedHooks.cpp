@@ -17,6 +17,8 @@ std::span<const Hook> CountedHooks() {
       Count<ImportIndex("FormatMessageW"), decltype(FormatMessageW)>(),
       Count<ImportIndex("MultiByteToWideChar"), decltype(MultiByteToWideChar)>(),
       Count<ImportIndex("WideCharToMultiByte"), decltype(WideCharToMultiByte)>(),
+      Count<ImportIndex("FlsAlloc"), decltype(FlsAlloc)>(),
+      Count<ImportIndex("FlsSetValue"), decltype(FlsSetValue)>(),
       Count<ImportIndex("CoCreateInstance"), decltype(CoCreateInstance)>(),
       Count<ImportIndex("CoTaskMemAlloc"), decltype(CoTaskMemAlloc)>(),
       Count<ImportIndex("PropVariantCopy"), decltype(PropVariantCopy)>(),

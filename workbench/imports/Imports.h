@@ -82,6 +82,8 @@ inline constexpr auto kImports = [] {
       {kKernel, "FormatMessageW", False(ERROR_MR_MID_NOT_FOUND)},
       {kKernel, "MultiByteToWideChar", False(ERROR_NO_UNICODE_TRANSLATION)},
       {kKernel, "WideCharToMultiByte", False(ERROR_NO_UNICODE_TRANSLATION)},
+      {kKernel, "FlsAlloc", Code(FLS_OUT_OF_INDEXES)},
+      {kKernel, "FlsSetValue", kNoMemory},
       {kAdvapi, "RegGetValueW", Code(ERROR_ACCESS_DENIED)},
       {kAdvapi, "RegisterTraceGuidsW", Code(ERROR_NOT_ENOUGH_MEMORY)},
       {kAdvapi, "UnregisterTraceGuids", kNever},
