@@ -13,8 +13,8 @@ HARBOUR = os.path.join(FOLDER, "data", "harbour.nmea")
 PROJECT = os.path.join(FOLDER, "..", "..", "CMakeLists.txt")
 OPTIONS = [
     "--seconds", "--interval", "--nmea", "--pace", "--form", "--shape", "--script", "--sim",
-    "--sim-change", "--config", "--hand-over", "--radio-off", "--dll", "--transcript", "--all",
-    "--quiet", "--help",
+    "--sim-change", "--config", "--no-config", "--no-at-port", "--unplug", "--hand-over",
+    "--radio-off", "--dll", "--transcript", "--trace", "--run-folder", "--all", "--quiet", "--help",
 ]
 
 
