@@ -10,7 +10,9 @@ if(TARGET unit_bench_imports)
   target_link_options(bench_imports_module PRIVATE -static)
   target_link_libraries(bench_imports_module PRIVATE
     stelvane_settings advapi32 setupapi ole32 oleaut32)
-  add_dependencies(unit_bench_imports bench_imports_module)
-  target_compile_definitions(unit_bench_imports PRIVATE
-    TEST_MODULE="$<TARGET_FILE_NAME:bench_imports_module>")
+  foreach(program unit_bench_imports unit_bench_rules)
+    add_dependencies(${program} bench_imports_module)
+    target_compile_definitions(${program} PRIVATE
+      TEST_MODULE="$<TARGET_FILE_NAME:bench_imports_module>")
+  endforeach()
 endif()

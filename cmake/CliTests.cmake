@@ -11,3 +11,6 @@ add_test(NAME cli_trace
     ${PROJECT_SOURCE_DIR}/tools/wine-run $<TARGET_FILE:workbench> $<TARGET_FILE:tracedecode>
     ${PROJECT_SOURCE_DIR}/docs)
 set_tests_properties(cli_trace PROPERTIES TIMEOUT 300)
+add_test(NAME framework_rules
+  COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/cli/framework_rules_test.py
+    ${PROJECT_SOURCE_DIR})

@@ -8,6 +8,7 @@
 #include "workbench/framework/FxDriver.h"
 #include "workbench/framework/FxFile.h"
 #include "workbench/framework/FxQueue.h"
+#include "workbench/framework/FxUsbDevice.h"
 #include "workbench/framework/UsbFunction.h"
 
 namespace bench {
@@ -58,8 +59,9 @@ HRESULT Host::Step(std::string_view step, Call call) {
 
 template <class Call>
 HRESULT Host::StepDown(std::string_view step, Call call) {
+  const bool reachable = !usb_->IsUnplugged() && device()->UsbTarget() != nullptr;
   const HRESULT result = Step(step, call);
-  if (FAILED(result) && !usb_->IsUnplugged()) world_.ledger.Report(rule::kFailedWayDown, step);
+  if (FAILED(result) && reachable) world_.ledger.Report(rule::kFailedWayDown, step);
   return result;
 }
 

@@ -124,7 +124,8 @@ class Host {
   void Expect(std::string_view step, std::initializer_list<State> legal) const;
   template <class Call>
   HRESULT Step(std::string_view step, Call call);
-  /// A step of the way down, which may fail only for a device that is gone.
+  /// A step of the way down, which may fail only for a device that the driver cannot reach: it is
+  /// unplugged, or has no open USB target.
   template <class Call>
   HRESULT StepDown(std::string_view step, Call call);
   template <class Call>

@@ -86,17 +86,19 @@ std::vector<std::string> Audit::Misuses() const {
 
 std::string Audit::Report() const {
   std::string report;
-  for (const Leak& leak : Leaks()) {
-    char line[160];
-    std::snprintf(line, sizeof line,
-                  "%s 0x%llx not given back: quantity %llu, thread %lu, site +0x%llx\n",
-                  NameOf(leak.kind), static_cast<unsigned long long>(leak.value),
-                  static_cast<unsigned long long>(leak.quantity), leak.thread,
-                  static_cast<unsigned long long>(leak.site));
-    report += line;
-  }
+  for (const Leak& leak : Leaks()) report += Describe(leak) + '\n';
   for (const std::string& misuse : Misuses()) report += misuse + '\n';
   return report;
+}
+
+std::string Describe(const Leak& leak) {
+  char line[160];
+  std::snprintf(line, sizeof line,
+                "%s 0x%llx not given back: quantity %llu, thread %lu, site +0x%llx",
+                NameOf(leak.kind), static_cast<unsigned long long>(leak.value),
+                static_cast<unsigned long long>(leak.quantity), leak.thread,
+                static_cast<unsigned long long>(leak.site));
+  return line;
 }
 
 }  // namespace bench

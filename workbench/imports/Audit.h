@@ -40,6 +40,9 @@ struct Leak {
   std::uint64_t quantity;  // bytes of a heap block, else how many times it was taken
 };
 
+/// One line, without its end.
+std::string Describe(const Leak& leak);
+
 /// Any thread may call it.
 class Audit {
  public:

@@ -2,9 +2,11 @@
 
 #include <winternl.h>
 
+#include <optional>
 #include <stdexcept>
 #include <string>
 
+#include "workbench/framework/Rules.h"
 #include "workbench/imports/Redirector.h"
 
 namespace bench {
@@ -62,6 +64,16 @@ class LoadWatch {
   void* cookie_ = nullptr;
 };
 
+// A load or unload on this thread, which runs nothing of the module but its DllMain.
+thread_local bool inDllMain = false;
+class DllMainMark {
+ public:
+  DllMainMark() { inDllMain = true; }
+  ~DllMainMark() { inDllMain = false; }
+  DllMainMark(const DllMainMark&) = delete;
+  DllMainMark& operator=(const DllMainMark&) = delete;
+};
+
 template <typename Pointer>
 Pointer Require(HMODULE module, const std::string& file, const char* name) {
   void* const address = reinterpret_cast<void*>(GetProcAddress(module, name));
@@ -79,10 +91,10 @@ DriverModule::DriverModule(const std::filesystem::path& path, Redirector* redire
   if (GetModuleHandleW(full.c_str()) != nullptr) {
     throw std::runtime_error(file + " is loaded already");
   }
-  if (redirector != nullptr) {
-    const LoadWatch watch(full.filename().wstring(), *redirector);
-    module_ = LoadLibraryW(full.c_str());
-  } else {
+  {
+    const DllMainMark mark;
+    std::optional<LoadWatch> watch;
+    if (redirector != nullptr) watch.emplace(full.filename().wstring(), *redirector);
     module_ = LoadLibraryW(full.c_str());
   }
   if (module_ == nullptr) {
@@ -105,8 +117,20 @@ DriverModule::~DriverModule() {
   Unload();
 }
 
+bool DriverModule::InDllMain() {
+  return inDllMain;
+}
+
+void DriverModule::ReportThrow(const char* name) const {
+  if (redirector_ == nullptr) throw;
+  redirector_->Broken().Add(rule::kExceptionFromExport, name);
+}
+
 void DriverModule::Unload() {
-  FreeLibrary(module_);
+  {
+    const DllMainMark mark;
+    FreeLibrary(module_);
+  }
   if (redirector_ == nullptr) return;
   HMODULE still = nullptr;
   const BOOL loaded = GetModuleHandleExW(

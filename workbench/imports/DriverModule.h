@@ -26,10 +26,15 @@ class DriverModule {
 
   /// The export DllGetClassObject.
   HRESULT GetClassObject(REFCLSID classId, REFIID interfaceId, void** object) const {
-    return getClassObject_(classId, interfaceId, object);
+    return CallExport("DllGetClassObject",
+                      [&] { return getClassObject_(classId, interfaceId, object); });
   }
   /// The export DllCanUnloadNow.
-  HRESULT CanUnloadNow() const { return canUnloadNow_(); }
+  HRESULT CanUnloadNow() const {
+    return CallExport("DllCanUnloadNow", [&] { return canUnloadNow_(); });
+  }
+  /// Whether the calling thread is inside of the DllMain of a module of this kind.
+  static bool InDllMain();
   const UMDF_VERSION_DATA& Version() const { return *version_; }
   HMODULE Base() const { return module_; }
   /// An export by name, or null.
@@ -39,6 +44,17 @@ class DriverModule {
 
  private:
   void Unload();
+  void ReportThrow(const char* name) const;
+  /// An exception that comes out is reported, and the call has failed.
+  template <typename Body>
+  HRESULT CallExport(const char* name, Body body) const {
+    try {
+      return body();
+    } catch (...) {
+      ReportThrow(name);
+      return E_UNEXPECTED;
+    }
+  }
 
   HMODULE module_ = nullptr;
   Redirector* redirector_;

@@ -8,8 +8,10 @@
 
 #include "workbench/clock/Clock.h"
 #include "workbench/imports/Audit.h"
+#include "workbench/imports/Breaches.h"
 #include "workbench/imports/FaultPlan.h"
 #include "workbench/imports/ImportTable.h"
+#include "workbench/imports/LockBook.h"
 #include "workbench/imports/SimulatedDevices.h"
 #include "workbench/imports/SimulatedRegistry.h"
 #include "workbench/imports/TimeSteering.h"
@@ -37,6 +39,8 @@ class Redirector {
   SimulatedDevices& Devices() { return devices_; }
   TraceSession& Tracing() { return tracing_; }
   Audit& Books() { return audit_; }
+  LockBook& Locks() { return locks_; }
+  Breaches& Broken() { return breaches_; }
   FaultPlan& Faults() { return faults_; }
 
   /// Calls of each function that is replaced in the module's table, with whether it can be made to
@@ -59,6 +63,8 @@ class Redirector {
   SimulatedDevices devices_;
   TraceSession tracing_;
   Audit audit_;
+  LockBook locks_;
+  Breaches breaches_;
   FaultPlan faults_;
   ImportTable table_;
   HMODULE module_ = nullptr;

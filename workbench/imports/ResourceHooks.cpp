@@ -1,8 +1,12 @@
 // What the module takes and gives back: handles, sections, COM, memory.
 #include <objbase.h>
 
-#include <cstdlib>
+#include <malloc.h>
 
+#include <cstdlib>
+#include <string>
+
+#include "workbench/framework/Rules.h"
 #include "workbench/imports/Hooks.h"
 #include "workbench/imports/LastError.h"
 
@@ -41,7 +45,13 @@ HANDLE MakeThread(Site site, SECURITY_ATTRIBUTES* attributes, SIZE_T stack,
         books.Take(Resource::kThread, Key(thread), site.offset);
         books.Take(Resource::kRunningThread, threadId, site.offset);
       },
-      [&books](DWORD threadId) { books.Give(Resource::kRunningThread, threadId); });
+      [&books](DWORD threadId, bool threw) {
+        books.Give(Resource::kRunningThread, threadId);
+        if (threw) {
+          Redirector::Current().Broken().Add(rule::kExceptionFromThread,
+                                             "thread " + std::to_string(threadId));
+        }
+      });
 }
 
 // The books are settled before the handle's number can be given out again.
@@ -77,6 +87,7 @@ void DeleteSection(CRITICAL_SECTION* section) {
     Books().Misuse("DeleteCriticalSection of what is no critical section");
     return;  // nothing good can come of it
   }
+  Redirector::Current().Locks().Gone(section, sizeof *section);
   DeleteCriticalSection(section);
 }
 
@@ -130,6 +141,7 @@ void* Reallocate(Site site, void* block, std::size_t size) {
 void Free(void* block) {
   const KeepLastError keep;
   Books().Give(Resource::kHeapBlock, Key(block));
+  if (block != nullptr) Redirector::Current().Locks().Gone(block, _msize(block));
   std::free(block);
 }
 

@@ -1,4 +1,8 @@
 // Clocks, sleeps, waits and locks.
+#include <string>
+#include <utility>
+
+#include "workbench/framework/Rules.h"
 #include "workbench/imports/Hooks.h"
 
 namespace bench {
@@ -77,28 +81,45 @@ BOOL Release(HANDLE semaphore, LONG count, LONG* previous) {
   return done;
 }
 
-void EnterSection(CRITICAL_SECTION* section) {
-  Time().Acquire(section, [section] { return TryEnterCriticalSection(section) != FALSE; });
+// The order is looked at before the wait, which may be the deadlock that it warns of.
+template <typename Lock, typename Take>
+void TakeInOrder(Site site, Lock* lock, Take take) {
+  LockBook& locks = Redirector::Current().Locks();
+  if (std::string breach = locks.Wanted(lock, site.offset); !breach.empty()) {
+    Redirector::Current().Broken().Add(rule::kLockOrder, std::move(breach));
+  }
+  Time().Acquire(lock, take);
+  locks.Taken(lock, site.offset);
 }
 
-BOOL TryEnterSection(CRITICAL_SECTION* section) {
-  return TryEnterCriticalSection(section);
+void EnterSection(Site site, CRITICAL_SECTION* section) {
+  TakeInOrder(site, section, [section] { return TryEnterCriticalSection(section) != FALSE; });
+}
+
+BOOL TryEnterSection(Site site, CRITICAL_SECTION* section) {
+  const BOOL taken = TryEnterCriticalSection(section);
+  if (taken) Redirector::Current().Locks().Taken(section, site.offset);
+  return taken;
 }
 
 void LeaveSection(CRITICAL_SECTION* section) {
+  Redirector::Current().Locks().Left(section);
   LeaveCriticalSection(section);
   Time().Released(section);
 }
 
-void AcquireSlim(SRWLOCK* lock) {
-  Time().Acquire(lock, [lock] { return TryAcquireSRWLockExclusive(lock) != FALSE; });
+void AcquireSlim(Site site, SRWLOCK* lock) {
+  TakeInOrder(site, lock, [lock] { return TryAcquireSRWLockExclusive(lock) != FALSE; });
 }
 
-BOOLEAN TryAcquireSlim(SRWLOCK* lock) {
-  return TryAcquireSRWLockExclusive(lock);
+BOOLEAN TryAcquireSlim(Site site, SRWLOCK* lock) {
+  const BOOLEAN taken = TryAcquireSRWLockExclusive(lock);
+  if (taken) Redirector::Current().Locks().Taken(lock, site.offset);
+  return taken;
 }
 
 void ReleaseSlim(SRWLOCK* lock) {
+  Redirector::Current().Locks().Left(lock);
   ReleaseSRWLockExclusive(lock);
   Time().Released(lock);
 }

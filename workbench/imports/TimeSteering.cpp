@@ -24,7 +24,7 @@ struct TimeSteering::Start {
   LPTHREAD_START_ROUTINE body;
   void* argument;
   std::shared_ptr<Waitable> self;
-  std::function<void(DWORD)> ended;
+  std::function<void(DWORD, bool)> ended;
 };
 
 TimeSteering::TimeSteering(Clock& clock) : clock_(clock) {
@@ -167,7 +167,7 @@ void TimeSteering::WakeLockWaiters(const void* lock) {
 HANDLE TimeSteering::StartThread(SECURITY_ATTRIBUTES* attributes, SIZE_T stack,
                                  LPTHREAD_START_ROUTINE body, void* argument, DWORD flags,
                                  DWORD* id, const std::function<void(HANDLE, DWORD)>& created,
-                                 std::function<void(DWORD)> ended) {
+                                 std::function<void(DWORD, bool)> ended) {
   const auto self = std::make_shared<Waitable>(Waitable::Kind::kThread, false);
   auto start = std::make_unique<Start>(this, body, argument, self, std::move(ended));
   // Held until the clock knows of it, which cannot be taken back if the creation fails.
@@ -191,8 +191,14 @@ DWORD WINAPI TimeSteering::RunThread(void* argument) {
   const std::unique_ptr<Start> start(static_cast<Start*>(argument));
   Clock& clock = start->steering->clock_;
   clock.EnterParticipant();
-  const DWORD code = start->body(start->argument);
-  start->ended(GetCurrentThreadId());
+  DWORD code = 0;
+  bool threw = false;
+  try {
+    code = start->body(start->argument);
+  } catch (...) {
+    threw = true;
+  }
+  start->ended(GetCurrentThreadId(), threw);
   start->self->Signal();
   clock.Notify();
   clock.LeaveParticipant();

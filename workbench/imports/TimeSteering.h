@@ -63,11 +63,11 @@ class TimeSteering {
 
   /// As CreateThread, the thread being a participant of the clock from its creation on, also while
   /// it is suspended. `created` is called before the thread runs, `ended` on the thread when its
-  /// procedure has returned.
+  /// procedure has returned, or thrown.
   HANDLE StartThread(SECURITY_ATTRIBUTES* attributes, SIZE_T stack, LPTHREAD_START_ROUTINE body,
                      void* argument, DWORD flags, DWORD* id,
                      const std::function<void(HANDLE, DWORD)>& created,
-                     std::function<void(DWORD)> ended);
+                     std::function<void(DWORD, bool)> ended);
   /// To be called before a handle is closed.
   void Closing(HANDLE handle);
 

@@ -6,6 +6,7 @@
 
 #include "workbench/console/Program.h"
 #include "workbench/modem/DriveTrack.h"
+#include "workbench/rig/PrescribedCalls.h"
 
 namespace bench {
 
@@ -41,6 +42,7 @@ Rig::Rig(Clock& clock, RigOptions options)
       sensors_({clock_, ledger_, calls_}, options.sensorService),
       classes_(sensors_, options.withheldClasses),
       redirector_(clock_) {
+  WatchCalls(ledger_, redirector_, kPrescribedUnderLocks);
   auto track = options.track ? std::move(options.track) : std::make_unique<DriveTrack>();
   redirector_.Time().SetStartUtc(options.startUtc.value_or(ToSystemTime(track->Start())));
   redirector_.Time().SetStartTicks(options.startTicks);
@@ -95,14 +97,7 @@ void Rig::Shutdown() {
 }
 
 std::vector<std::string> Rig::Findings() {
-  std::vector<std::string> findings = ledger_.Violations();
-  if (const std::string books = redirector_.Books().Report(); !books.empty()) {
-    findings.push_back(books);
-  }
-  if (canUnload_ != S_OK) {
-    findings.push_back("DllCanUnloadNow does not answer S_OK");
-  }
-  return findings;
+  return FindingsOf(ledger_, redirector_, canUnload_);
 }
 
 }  // namespace bench

@@ -43,6 +43,14 @@ ULONG Register(TRACEHANDLE* registration) {
                              registration);
 }
 
+bool inUse = false;
+void (*hooks[static_cast<std::size_t>(ModuleHook::kCount)])() = {};
+
+void RunHook(ModuleHook place) {
+  const auto hook = hooks[static_cast<std::size_t>(place)];
+  if (hook != nullptr) hook();
+}
+
 constexpr ULONG kMessageFlags = TRACE_MESSAGE_SEQUENCE | TRACE_MESSAGE_GUID;
 
 }  // namespace
@@ -54,11 +62,12 @@ UMDF_VERSION_DATA Microsoft_WDF_UMDF_Version = {1, 11, 0};
 // Exported by the module-definition file, as the system headers declare them without.
 HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID, REFIID, void** object) {
   *object = nullptr;
+  RunHook(ModuleHook::kGetClassObject);
   return CLASS_E_CLASSNOTAVAILABLE;
 }
 
 HRESULT STDAPICALLTYPE DllCanUnloadNow() {
-  return S_OK;
+  return inUse ? S_FALSE : S_OK;
 }
 
 BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*) {
@@ -66,8 +75,9 @@ BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*) {
     loadTicks = GetTickCount64();
     if (Register(&loadRegistration) != ERROR_SUCCESS) loadRegistration = 0;
     DisableThreadLibraryCalls(instance);
-  } else if (reason == DLL_PROCESS_DETACH && loadRegistration != 0) {
-    UnregisterTraceGuids(loadRegistration);
+  } else if (reason == DLL_PROCESS_DETACH) {
+    if (loadRegistration != 0) UnregisterTraceGuids(loadRegistration);
+    RunHook(ModuleHook::kUnload);
   }
   return TRUE;
 }
@@ -163,6 +173,9 @@ const ModuleCalls moduleCalls = {
     },
     .toFileTime = [](const SYSTEMTIME* from,
                      FILETIME* to) { return SystemTimeToFileTime(from, to); },
+    .setHook = [](ModuleHook place,
+                  void (*hook)()) { hooks[static_cast<std::size_t>(place)] = hook; },
+    .keepLoaded = [] { inUse = true; },
 };
 
 }  // extern "C"

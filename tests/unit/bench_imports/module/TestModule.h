@@ -20,6 +20,9 @@ struct TraceControl {
   ULONG flags;
 };
 
+/// Where the module calls back into the test.
+enum class ModuleHook { kGetClassObject, kUnload, kCount };
+
 /// Exported as `moduleCalls`.
 struct ModuleCalls {
   ULONGLONG (*ticks)();
@@ -71,4 +74,8 @@ struct ModuleCalls {
   void (*release)(void* block);
   bool (*newSucceeds)();
   BOOL (*toFileTime)(const SYSTEMTIME* from, FILETIME* to);
+
+  void (*setHook)(ModuleHook place, void (*hook)());
+  /// From now on DllCanUnloadNow answers S_FALSE.
+  void (*keepLoaded)();
 };
