@@ -81,6 +81,7 @@ HRESULT Host::AddDevice() {
     if (FAILED(result)) return result;
     initialized_ = true;
   }
+  usb_->PlugIn();
   auto& init = Make<FxDeviceInit>(world_, nullptr);
   const HRESULT result =
       Step("IDriverEntry::OnDeviceAdd", [&] { return entry_->OnDeviceAdd(fxDriver_, &init); });

@@ -46,7 +46,7 @@ class Host {
   Host& operator=(const Host&) = delete;
 
   // ---- Steps.
-  /// OnInitialize (the first time), then OnDeviceAdd.
+  /// OnInitialize (the first time), then OnDeviceAdd. A device that was pulled out is in again.
   HRESULT AddDevice();
   HRESULT PrepareHardware();
   HRESULT D0Entry(WDF_POWER_DEVICE_STATE previousState);

@@ -70,6 +70,11 @@ void UsbFunction::Unplug() {
   clock_.Notify();
 }
 
+void UsbFunction::PlugIn() {
+  const std::lock_guard lock(mutex_);
+  unplugged_ = false;
+}
+
 bool UsbFunction::IsUnplugged() const {
   const std::lock_guard lock(mutex_);
   return unplugged_;

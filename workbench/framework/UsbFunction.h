@@ -45,6 +45,8 @@ class UsbFunction {
 
   /// From now on every transfer fails, reads too, and nothing arrives.
   void Unplug();
+  /// The cable is in, as it is at first.
+  void PlugIn();
   /// May run in a clock's `ready`.
   bool IsUnplugged() const;
 

@@ -132,6 +132,16 @@ TEST(Host, SurpriseRemovalReachesTheDriverInAnyState) {
   EXPECT_EQ(removals, 3);
 }
 
+TEST(Host, ADeviceThatWasPulledOutIsPluggedInWhenItIsAddedAgain) {
+  Bench bench;
+  ASSERT_EQ(bench.host->AddDevice(), S_OK);
+  bench.host->SurpriseRemoval();
+  EXPECT_TRUE(bench.host->usb().IsUnplugged());
+  bench.host->RemoveDevice();
+  ASSERT_EQ(bench.host->AddDevice(), S_OK);
+  EXPECT_FALSE(bench.host->usb().IsUnplugged());
+}
+
 TEST(Host, AHookCanUnplugTheDeviceAtAChosenCall) {
   Bench bench;
   std::vector<std::string> order;
