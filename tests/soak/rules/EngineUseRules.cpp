@@ -1,0 +1,85 @@
+#include "tests/soak/rules/EngineUseRules.h"
+
+#include <algorithm>
+#include <string>
+
+namespace soak {
+
+namespace {
+
+constexpr Millis kAttemptTime = 1000;
+constexpr Millis kUnderWay = 1400;  // a command, its silence and a pause between two
+constexpr int kAttempts = 7;
+constexpr Millis kLeaving = 10'000;  // from the last client's leaving to the last command's end
+
+}  // namespace
+
+void EngineUseRules::StopIdle(Millis at) {
+  // Two threads may take the first hold at once; one of them gives it back in the same moment.
+  if (holds_ > 0 && firstHold_ != at) {
+    breaches_.Add("engine-use-balance", at, "StopIdle while the device is held");
+  }
+  if (holds_++ == 0) firstHold_ = at;
+}
+
+void EngineUseRules::ResumeIdle(Millis at, bool sure) {
+  if (holds_ == 0) {
+    breaches_.Add("engine-use-balance", at, "ResumeIdle without a hold");
+    return;
+  }
+  if (--holds_ > 0) return;
+  const bool seen = startedAt_ >= 0 && at > startedAt_ + kAttemptTime && startWrites_ < kAttempts;
+  const bool ended = endedAt_ >= calmSince_ || (!sure && fixAt_ >= calmSince_);
+  if (seen && !ended && !ending_) {
+    breaches_.Add("engine-use-kept", at,
+                  "the device may idle although the location request accepted at " +
+                      std::to_string(startedAt_) + " ms runs");
+  }
+  startedAt_ = -1;
+}
+
+void EngineUseRules::Written(Millis at, std::string_view line) {
+  if (holds_ == 0) {
+    breaches_.Add("engine-use-talking", at,
+                  '"' + std::string(line) + "\" is written to a device that may idle");
+  }
+  const bool again = at - lastWritten_ >= kAttemptTime && at - lastWritten_ <= kUnderWay;
+  if (at - lastWritten_ > kUnderWay) calmSince_ = at;
+  lastWritten_ = at;
+  if (line.starts_with("AT+XLCSLSR=")) {
+    startWrites_ = starting_ && again ? startWrites_ + 1 : 1;
+    starting_ = true;
+    startedAt_ = -1;
+    if (startWrites_ > 1) fair_ = false;
+  } else {
+    starting_ = false;
+  }
+}
+
+void EngineUseRules::Said(Millis at, std::string_view line) {
+  if (line.find("ERROR") != std::string_view::npos) {
+    fair_ = false;
+    if (line.starts_with("+XLCSLSR: ")) endedAt_ = at;
+  }
+  if (line.starts_with("+XLSRSTOP")) endedAt_ = at;
+  if (line.starts_with("$")) fixAt_ = at;
+  if (line.starts_with("+XLCSLSR: request id") && starting_) startedAt_ = at;
+}
+
+void EngineUseRules::PowerUp(Millis at) {
+  endedAt_ = at;
+}
+
+void EngineUseRules::Clients(Millis at, int change) {
+  connected_ += change;
+  if (connected_ == 0) emptySince_ = at;
+}
+
+void EngineUseRules::Quiet(Millis at) {
+  const Millis since = std::max(emptySince_, lastWritten_);
+  if (!fair_ || connected_ > 0 || holds_ == 0 || at - since < kLeaving) return;
+  breaches_.Add("engine-use-returned", at, "the device is held although nobody is connected");
+  fair_ = false;
+}
+
+}  // namespace soak
