@@ -9,7 +9,7 @@ endif()
 set(windows_only_sources
   driver/CxxExceptions.cpp driver/CxxRuntime.cpp driver/DllMain.cpp modem/SuplConfigFile.cpp
   modem/SuplDocument.cpp)
-set(windows_only_tests platform bench_imports bench_rules trace modem suplcheck)
+set(windows_only_tests acceptance platform bench_imports bench_rules trace modem suplcheck)
 # Tests of the whole driver that ask for what only the DLL has: imports that fail, a registry, the
 # module itself, a configuration file.
 string(JOIN "|" needs_the_dll "[Ff]aults\\(\\)" "Registry\\(\\)" "module\\(\\)"
