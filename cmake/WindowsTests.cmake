@@ -26,6 +26,7 @@ foreach(group IN LISTS groups)
   endif()
 endforeach()
 include(cmake/BenchImportsTest.cmake OPTIONAL)
+include(cmake/EchoTest.cmake)
 
 # The DLL's tests are one program per room that they look at; names begin with what they test.
 function(add_driver_tests name)
