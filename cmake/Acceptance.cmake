@@ -16,5 +16,6 @@ set_tests_properties(acceptance PROPERTIES TIMEOUT 600)
 # Its judgements have tests of their own.
 if(TARGET unit_acceptance)
   target_link_libraries(unit_acceptance PRIVATE acceptance_parts bench_all)
+  target_compile_definitions(unit_acceptance PRIVATE DOCS_FOLDER="${PROJECT_SOURCE_DIR}/docs")
   add_dependencies(unit_acceptance Stelvane)
 endif()

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <iterator>
 #include <utility>
 
 #include "workbench/framework/Rules.h"
@@ -116,7 +117,7 @@ Faults JudgeType(const std::string& what, VARTYPE expected, VARTYPE actual, bool
 Faults JudgeStates(const std::vector<StateChange>& states,
                    const std::vector<SensorState>& expected) {
   std::vector<SensorState> raised;
-  for (const StateChange& change : states) raised.push_back(change.state);
+  std::ranges::transform(states, std::back_inserter(raised), &StateChange::state);
   if (raised == expected) return {};
   return {"states raised: " + Names(raised) + "; expected: " + Names(expected)};
 }

@@ -26,7 +26,7 @@ class Table {
     std::snprintf(text, sizeof text, "%4zu  %-46s %-55s %s", ++row_, name.c_str(), asked.c_str(),
                   verdict);
     console_.Line(text, ok ? Tone::kPlain : Tone::kBad);
-    if (!remark.empty()) console_.Line("        prescribed: " + remark);
+    if (!remark.empty()) console_.Line("        meant: " + remark);
     for (const std::string& fault : faults) console_.Line("        " + fault, Tone::kBad);
     ++(ok ? total_.passed : total_.failed);
     if (ok && !remark.empty()) ++total_.remarks;

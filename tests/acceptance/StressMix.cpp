@@ -8,7 +8,7 @@ namespace bench::acceptance {
 
 namespace {
 
-constexpr int kRounds = 10;
+constexpr Millis kRounds = 10;
 constexpr Millis kInterval = 2000;
 
 Faults Delivers(Stand& stand, const Client& client) {
@@ -18,7 +18,7 @@ Faults Delivers(Stand& stand, const Client& client) {
 Faults Radio(Stand& stand) {
   const Client client = stand.Subscriber(kInterval);
   Faults faults;
-  for (int round = 0; round < kRounds; ++round) {
+  for (Millis round = 0; round < kRounds; ++round) {
     for (const bool on : {false, true}) {
       if (stand.SwitchRadio(on) != S_OK) faults.emplace_back("the radio does not switch");
       stand.Pass(500 * round);
@@ -29,7 +29,7 @@ Faults Radio(Stand& stand) {
 
 Faults DisableAndEnable(Stand& stand) {
   Faults faults;
-  for (int round = 0; round < kRounds; ++round) {
+  for (Millis round = 0; round < kRounds; ++round) {
     {
       const Client client = stand.Subscriber(kInterval);
       stand.Pass(700 * round);
@@ -42,7 +42,7 @@ Faults DisableAndEnable(Stand& stand) {
 Faults Standby(Stand& stand) {
   const Client client = stand.Subscriber(kInterval);
   Faults faults;
-  for (int round = 0; round < kRounds; ++round) {
+  for (Millis round = 0; round < kRounds; ++round) {
     stand.Pass(900 * round);
     if (FAILED(stand.Sleep(60'000))) faults.emplace_back("the device does not wake up");
   }
@@ -74,7 +74,7 @@ Faults ManyClients(Stand& stand) {
 
 Faults PulledOut(Stand& stand) {
   Faults faults;
-  for (int round = 0; round < kRounds; ++round) {
+  for (Millis round = 0; round < kRounds; ++round) {
     {
       const Client client = stand.Subscriber(kInterval);
       stand.Pass(300 * round);

@@ -180,6 +180,20 @@ TEST_F(AtDispatch, AReportThatStragglesInAfterTheStopHasItsSentencesSwallowedAnd
   EXPECT_EQ(State(client), kInitializing);
 }
 
+TEST_F(AtDispatch, AReportThatNobodyAskedForIsPublishedByTheNextOneThatCannotBeRead) {
+  StartQuietly();
+  ClientSession& client = SubscribeEvery(5000);
+  client.Unsubscribe();
+  Settle();
+  Say(ReportThenOkThenSentence("48.5 N", "9:3:8"));
+  ASSERT_EQ(client.Subscribe(), S_OK);
+  Settle(2000);  // the mark of the sentences' OK costs a second attempt
+  EXPECT_THAT(client.Reports(), IsEmpty());
+  Say("+XLCSLSR: 0,50.5 N\r\nOK\r\n$GPGGA,9\r\nOK\r\n");
+  ASSERT_THAT(client.Reports(), SizeIs(testing::Ge(1U)));
+  EXPECT_EQ(client.Reports().back().latitude, 48.5);
+}
+
 /// A report that is no fix; the previous one stays.
 class AtBadReport : public ModemTest, public testing::WithParamInterface<const char*> {};
 
