@@ -1,5 +1,5 @@
 """The page about the framework's rules against the code: same rules, same wrong drivers, in the
-same order.
+same order. And every test of the DLL asks, at its end, whether one was broken.
 
 usage: framework_rules_test.py SOURCE_FOLDER"""
 
@@ -50,6 +50,24 @@ class FrameworkRules(unittest.TestCase):
     def test_every_rule_is_explained(self):
         for name, meaning, _ in page():
             self.assertTrue(meaning.endswith("."), name)
+
+
+class Fixtures(unittest.TestCase):
+    def test_every_rig_is_asked_what_it_has_found(self):
+        for path in (SOURCE / "tests/driver").iterdir():
+            text = path.read_text()
+            rigs = len(re.findall(r"\bRig rig\(|unique_ptr<Rig> rig_;", text))
+            ends = path if path.suffix == ".cpp" else path.with_suffix(".cpp")
+            asked = text.count("Findings()")
+            if ends != path and ends.exists():
+                asked += ends.read_text().count("Findings()")
+            self.assertGreaterEqual(asked, rigs, path)
+
+    def test_no_end_of_a_fixture_leaves_out_its_bases(self):
+        for path in (SOURCE / "tests/driver").iterdir():
+            ends = re.findall(r"TearDown\(\)(?: override)? \{(.*?)\n *\}", path.read_text(), re.S)
+            for body in ends:
+                self.assertRegex(body, r"\w+::TearDown\(\);|Findings\(\)", path)
 
 
 unittest.main()

@@ -215,6 +215,7 @@ TEST_F(ModuleTest, SomeOfTheBannerIsSeenAtEachLevel) {
               static_cast<std::ptrdiff_t>(row.messages))
         << "level " << int{row.level};
     rig.Shutdown();
+    EXPECT_THAT(rig.Findings(), testing::IsEmpty());
   }
 }
 
