@@ -20,8 +20,9 @@ HRESULT FillRequest(IWDFDevice* device, IWDFIoTarget* target, IWDFIoRequest* req
   ComPtr<IWDFDriver> driver;
   device->GetDriver(driver.Put());
   ComPtr<IWDFMemory> memory;
-  RETURN_IF_FAILED(driver->CreateWdfMemory(line.size(), nullptr, request, memory.Put()),
-                   WriteMemoryNotCreated);
+  RETURN_IF_FAILED(
+      driver ? driver->CreateWdfMemory(line.size(), nullptr, request, memory.Put()) : E_FAIL,
+      WriteMemoryNotCreated);
   RETURN_IF_FAILED(memory->CopyFromBuffer(0, const_cast<char*>(line.data()), line.size()),
                    WriteMemoryNotFilled);
   RETURN_IF_FAILED(

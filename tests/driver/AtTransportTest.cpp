@@ -146,5 +146,12 @@ TEST_F(AtTransport, ACommandIsWrittenAlsoWhenTheDeviceDoesNotLeaveIdle) {
   EXPECT_THAT(Commands(), ElementsAre(kSwitchOn));
 }
 
+TEST_F(AtTransport, AWriteWithoutAFrameworkDriverFails) {
+  StartQuietly();
+  rig_->calls().FailCall("IWDFDevice::GetDriver", 1, E_FAIL);
+  EXPECT_EQ(SwitchRadio(0), E_FAIL);
+  EXPECT_THAT(Commands(), IsEmpty());
+}
+
 }  // namespace
 }  // namespace bench
