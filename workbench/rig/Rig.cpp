@@ -55,6 +55,7 @@ Rig::Rig(Clock& clock, RigOptions options)
   if (!otherLink_) {
     modem_ = std::make_unique<Modem>(clock_, options.modem, std::move(track), options.observers);
   }
+  if (options.beforeLoad) options.beforeLoad(redirector_, calls_);
   module_ = std::make_unique<DriverModule>(ProgramFolder() / options.dll, &redirector_);
 
   HRESULT result = module_->GetClassObject(kDriverClass, iidOf<IClassFactory>,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -38,6 +39,8 @@ struct RigOptions {
   DevicePlan device = {};
   SensorService::Options sensorService = {};
   std::vector<ApiClass> withheldClasses;
+  /// Runs when all but the module is there, to plan what shall fail from its load on.
+  std::function<void(Redirector&, CallRecord&)> beforeLoad;
   /// A listener of the driver's trace, from the module's load on.
   std::optional<TraceOptions> trace;
   /// Null: the device's description cannot be read.
