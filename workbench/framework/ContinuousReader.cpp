@@ -62,6 +62,10 @@ bool ContinuousReader::InsideCallback() const {
   return readerOfThread == this;
 }
 
+bool ContinuousReader::InsideAnyCallback() {
+  return readerOfThread != nullptr;
+}
+
 void ContinuousReader::Run() {
   readerOfThread = this;
   while (const auto event = Next()) {

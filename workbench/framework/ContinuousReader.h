@@ -44,6 +44,8 @@ class ContinuousReader {
 
   /// Whether the calling thread is in one of this reader's callbacks.
   bool InsideCallback() const;
+  /// Whether it is in a callback of any reader.
+  static bool InsideAnyCallback();
 
  private:
   void Run();

@@ -21,7 +21,9 @@ struct PrescribedCall {
 };
 
 /// From now on each call into the framework is looked at: none from DllMain, which is refused, and
-/// none under a lock of the module but those prescribed. Ledger and redirector belong together.
+/// none under a lock of the module but those prescribed, and in a reader's callback not even those:
+/// the lock's other holders may be waiting for what the reader has yet to deliver. Ledger and
+/// redirector belong together.
 void WatchCalls(Ledger& ledger, Redirector& redirector, std::span<const PrescribedCall> prescribed);
 
 /// Every broken rule as "<rule>: <what happened>", those of the books too; empty when all is well.

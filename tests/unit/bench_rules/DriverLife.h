@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,8 @@ class DriverLife : public Bench {
   // ---- What a wrong driver does otherwise.
   /// Done once, when the device is powered down for good and all its objects are still there.
   void AtFlush(std::function<void(IWDFDevice*)> wrong) { script.onFlush = std::move(wrong); }
+  /// Calls that it may make under a lock.
+  void Prescribe(std::span<const PrescribedCall> list) { WatchCalls(ledger, redirector_, list); }
   BOOL powerManaged = FALSE;
   UCHAR pendingReads = 1;
 
