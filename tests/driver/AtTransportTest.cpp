@@ -7,6 +7,7 @@ namespace bench {
 namespace {
 
 using testing::ElementsAre;
+using testing::IsEmpty;
 using testing::SizeIs;
 
 constexpr const char* kAnswer = "AT+XLCSSWITCH=1\r\nOK\r\n";
