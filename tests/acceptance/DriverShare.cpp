@@ -18,7 +18,7 @@ void DriverShare::OnCall(std::string_view call) {
   const auto now = Clock::now();
   const std::lock_guard lock(mutex_);
   if (!closed_) return;
-  times_.push_back(now - *closed_);
+  times_.emplace_back(now - *closed_);
   closed_.reset();
 }
 

@@ -1,5 +1,7 @@
 // Every data field with its exact variant type, in events and in reads.
 
+#include <utility>
+
 #include "tests/acceptance/Checks.h"
 
 namespace bench::acceptance {
@@ -58,14 +60,14 @@ Faults InEventAndRead(Stand& stand, const Field& field, VARTYPE expected) {
 
 // The value is known to the receiver, and then it is not.
 Faults HasType(Stand& stand, const Field& field) {
-  const Faults known = InEventAndRead(stand, field, field.type);
+  Faults known = InEventAndRead(stand, field, field.type);
   if (!field.mayBeAbsent) return known;
   stand.sky().extras = false;
   stand.Pass(kInterval);
   const Faults absent = InEventAndRead(stand, field, VT_EMPTY);
   stand.sky().extras = true;
   stand.Pass(kInterval);
-  return known + absent;
+  return std::move(known) + absent;
 }
 
 Faults OffersAll(Stand& stand) {

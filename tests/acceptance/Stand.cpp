@@ -49,8 +49,7 @@ HRESULT Stand::Restart() {
   return FAILED(stopped) ? stopped : added;
 }
 
-HRESULT Stand::PullOutAndPlugIn() {
-  rig_->host().SurpriseRemoval();
+HRESULT Stand::PlugIn() {
   rig_->host().Stop();  // its failures are those of a device that is gone
   return Add();
 }

@@ -24,8 +24,10 @@ class Stand {
 
   /// Disables the device and enables it again; clients must have gone.
   HRESULT Restart();
-  /// Pulls the device out and plugs it in again; clients must have gone.
-  HRESULT PullOutAndPlugIn();
+  /// Pulls the device out, which clients may find out for themselves, and plugs it in again, for
+  /// which they must have gone.
+  void PullOut() { rig_->host().SurpriseRemoval(); }
+  HRESULT PlugIn();
   /// Standby and back.
   HRESULT Sleep(Millis duration);
   HRESULT SwitchRadio(bool on);

@@ -78,10 +78,10 @@ Faults PulledOut(Stand& stand) {
     {
       const Client client = stand.Subscriber(kInterval);
       stand.Pass(300 * round);
-      stand.rig().host().SurpriseRemoval();
+      stand.PullOut();
       client->ReadData({LocationKey(2)});  // of one that does not know yet
     }
-    if (FAILED(stand.PullOutAndPlugIn())) faults.emplace_back("the device does not come back");
+    if (FAILED(stand.PlugIn())) faults.emplace_back("the device does not come back");
   }
   return faults + Delivers(stand, stand.Subscriber(kInterval));
 }
