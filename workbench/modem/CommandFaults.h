@@ -13,6 +13,7 @@ namespace bench {
 class CommandFaults {
  public:
   void Add(std::vector<CommandFault> reactions);
+  void Clear() { reactions_.clear(); }
 
   /// The reaction to this command, which uses up one of its count.
   std::optional<CommandFault> Take(std::string_view line);

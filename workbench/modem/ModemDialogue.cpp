@@ -180,6 +180,8 @@ void Modem::Core::Apply(Millis due, const TimedFault& fault) {
     case ModemAction::kStallControl:
       stalls_ = fault.amount;
       return;
+    case ModemAction::kObey:
+      return commandFaults_.Clear();
     case ModemAction::kForm:
       reportForm_ = static_cast<int>(fault.amount);
       return;

@@ -22,13 +22,14 @@ struct ActionEntry {
   ModemAction action;
   Argument argument;
 };
-constexpr std::array<ActionEntry, 8> kActions = {{
+constexpr std::array<ActionEntry, 9> kActions = {{
     {"silent", ModemAction::kSilent, Argument::kSeconds},
     {"lose-fix", ModemAction::kLoseFix, Argument::kSeconds},
     {"garbage", ModemAction::kGarbage, Argument::kOptionalCount},
     {"line", ModemAction::kLine, Argument::kText},
     {"sim", ModemAction::kSim, Argument::kText},
     {"restart", ModemAction::kRestart, Argument::kNone},
+    {"obey", ModemAction::kObey, Argument::kNone},
     {"join", ModemAction::kJoin, Argument::kMillis},
     {"stall-control", ModemAction::kStallControl, Argument::kCount},
 }};

@@ -13,6 +13,7 @@
 //     cut <bytes>|random <seed>|off  output arrives in pieces of that many bytes
 //     join <milliseconds>            output is held that long and arrives joined; 0 ends it
 //     stall-control <count>          so many control requests fail
+//     obey                           what is left of the reactions below is forgotten
 //     form <0 to 3>                  reports have that form from now on
 //     shape ok-first|sentences-first what follows a report from now on
 //
@@ -57,6 +58,7 @@ enum class ModemAction {
   kCutRandom,     // amount: seed
   kJoin,          // amount: milliseconds
   kStallControl,  // amount: count
+  kObey,          //
   kForm,          // amount: 0 to 3
   kShape,         // amount: a ReportShape
 };

@@ -22,7 +22,8 @@ TEST(FaultScript, EveryActionIsRead) {
       "at 0 silent 1.5\nat 0.25 lose-fix 20\nat 1 garbage\nat 1 garbage 3\n"
       "at 2 line OK then # more\nat 3 sim 310410123456789\nat 4 restart\nat 5 echo off\n"
       "at 5 echo on\nat 6 cut 7\nat 6 cut random 9\nat 6 cut off\nat 7 join 40\n"
-      "at 8 stall-control 2\r\nat 9 form 3\nat 9 shape sentences-first\nat 9 shape ok-first\n",
+      "at 8 stall-control 2\r\nat 9 form 3\nat 9 shape sentences-first\nat 9 shape ok-first\nat 9 "
+      "obey\n",
       "f");
   ASSERT_EQ(faults.error, "");
   struct Expected {
@@ -40,7 +41,7 @@ TEST(FaultScript, EveryActionIsRead) {
       {6000, ModemAction::kCutRandom, 9, ""},   {6000, ModemAction::kCut, 0, ""},
       {7000, ModemAction::kJoin, 40, ""},       {8000, ModemAction::kStallControl, 2, ""},
       {9000, ModemAction::kForm, 3, ""},        {9000, ModemAction::kShape, 1, ""},
-      {9000, ModemAction::kShape, 0, ""}};
+      {9000, ModemAction::kShape, 0, ""},       {9000, ModemAction::kObey, 0, ""}};
   const auto& timed = faults.value->timed;
   ASSERT_EQ(timed.size(), expected.size());
   for (std::size_t i = 0; i < timed.size(); ++i) {

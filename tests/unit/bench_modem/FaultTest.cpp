@@ -119,6 +119,13 @@ TEST(ModemFault, TimedSilenceSwallowsCommandsAndReports) {
   EXPECT_EQ(host.modem.Snapshot().fixesSent, 3u);
 }
 
+TEST(ModemFault, ReactionsThatAreLeftAreForgotten) {
+  ModemHost host(With("on AT error always\nat 2 obey"));
+  EXPECT_EQ(host.Ask("AT"), Echoed("AT", kError));
+  host.ReadFor(2500);
+  EXPECT_EQ(host.Ask("AT"), Echoed("AT", kOk));
+}
+
 TEST(ModemFault, FormAndShapeOfTheReportsChange) {
   ModemHost host(With("at 1.5 form 3\nat 1.5 shape sentences-first"));
   host.Ask(kEverySecond);
