@@ -100,6 +100,10 @@ std::array<std::int64_t, 4> Numbers(Random& random, Deed deed) {
       return {random.Below(4)};
     case Deed::kConfig:
       return {Index(random, kConfigs)};
+    case Deed::kRestart:
+    case Deed::kSleep:
+    case Deed::kWake:
+      return {};
     default:
       return {client};
   }

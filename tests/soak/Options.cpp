@@ -18,7 +18,7 @@ std::optional<double> Positive(const std::string& text, double most) {
 }
 
 // Sets what an option with a value says; returns what was expected instead, or nothing.
-std::string Set(Options& options, const std::string& name, const std::string& value, double& days) {
+std::string Set(Options& options, const std::string& name, const std::string& value) {
   if (name == "--replay") {
     options.replay = value;
     return value.empty() ? "a file" : "";
@@ -34,7 +34,7 @@ std::string Set(Options& options, const std::string& name, const std::string& va
   if (name == "--hours") {
     options.length = std::llround(*number * kHour);
   } else {
-    days = *number;
+    options.total = std::llround(*number * 24 * kHour);
   }
   return {};
 }
@@ -43,30 +43,26 @@ std::string Set(Options& options, const std::string& name, const std::string& va
 
 bench::Outcome<Options> ReadOptions(const std::vector<std::string>& arguments) {
   Options options;
-  double days = 0;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     const std::string& name = arguments[i];
     if (name == "--help") {
       options.help = true;
     } else if (name == "--list") {
       options.list = true;
+    } else if (name == "--show") {
+      options.show = true;
     } else if (name == "--no-reduce") {
       options.reduce = false;
     } else if (name == "--seed" || name == "--seeds" || name == "--hours" || name == "--days" ||
                name == "--replay") {
       const std::string value = i + 1 < arguments.size() ? arguments[++i] : std::string();
-      const std::string expected = Set(options, name, value, days);
+      const std::string expected = Set(options, name, value);
       if (!expected.empty()) {
         return bench::NoValue<Options>(name + ": expected " + expected + ", not \"" + value + '"');
       }
     } else {
       return bench::NoValue<Options>("no such option: \"" + name + "\"; try --help");
     }
-  }
-  // Runs that end early make up for less than their length: twice as many are enough.
-  if (days > 0) {
-    const double runs = std::ceil(days * 24 * kHour / static_cast<double>(options.length));
-    options.seeds = static_cast<std::uint64_t>(runs);
   }
   return {.value = options, .error = {}};
 }
@@ -77,9 +73,10 @@ std::string HelpText() {
   --seed N       the first seed (default 1)
   --seeds COUNT  so many seeds, one run each (default 1)
   --hours H      the simulated length of a run (default 2)
-  --days D       as many seeds as make up D simulated days
+  --days D       go on to the next seed until the runs make up D simulated days
   --replay FILE  run a plan as a failing seed printed it
   --list         print the plans and run nothing
+  --show         print everything that happens in the runs
   --no-reduce    print a failing plan whole
   --help         print this text
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdio>
 
 #include "workbench/sensorapi/Report.h"
 
@@ -34,19 +35,27 @@ void Tally::Add(const Tally& other) {
   for (const auto& [what, time] : other.longest) longest[what] = std::max(longest[what], time);
 }
 
+void Watch::Show(Millis at, const std::string& what) const {
+  if (show_) std::printf("%10.3f %s\n", static_cast<double>(at) / 1000, what.c_str());
+}
+
 void Watch::OnCall(const bench::CallEntry& entry) {
   const bool stop = entry.call == "IWDFDevice2::StopIdle";
   const bool resume = entry.call == "IWDFDevice2::ResumeIdle";
   const bool open = entry.call == "IWDFUsbTargetFactory::CreateUsbTargetDevice";
   if (!stop && !resume && !open) return;
   const std::lock_guard lock(mutex_);
+  Show(entry.time, entry.call);
   if (stop) uses.StopIdle(entry.time);
   if (resume) uses.ResumeIdle(entry.time, spacing.ShortForCertain(entry.time));
-  if (open) wire.Opened(entry.time);
+  if (!open) return;
+  wire.Opened(entry.time);
+  uses.Opened(entry.time);
 }
 
 void Watch::OnLine(const bench::AtLine& line) {
   const std::lock_guard lock(mutex_);
+  Show(line.at, (line.toModem ? "> " : "< ") + line.text);
   if (line.toModem) return OnCommandLine(line);
   wire.Said(line.at, line.text);
   uses.Said(line.at, line.text);
@@ -59,7 +68,7 @@ void Watch::OnCommandLine(const bench::AtLine& line) {
   lastCommand_ = line;
   uses.Quiet(line.at);
   wire.Written(line.at, line.text);
-  uses.Written(line.at, line.text);
+  uses.Written(line.at, line.text, spacing.ShortForCertain(line.at));
   spacing.Written(line.at, line.text);
 }
 
@@ -76,6 +85,7 @@ void Watch::OnReport(const bench::PostedEvent& event) {
   const std::lock_guard lock(mutex_);
   ++tally_.reports;
   const bench::Report& report = event.report;
+  Show(report.time, "report " + bench::ReportText(report));
   const std::int64_t fixTime = Seconds(report.timestamp);
   reports.Reported(report.time,
                    {.latitude = report.latitude, .longitude = report.longitude, .time = fixTime});
@@ -85,6 +95,7 @@ void Watch::OnReport(const bench::PostedEvent& event) {
 void Watch::OnState(const bench::StateChange& change) {
   const std::lock_guard lock(mutex_);
   ++tally_.states;
+  Show(change.time, "state " + std::to_string(static_cast<int>(change.state)));
   states.Posted(change.time, static_cast<int>(change.state));
   spacing.StatePosted(change.time, static_cast<int>(change.state));
 }
@@ -92,6 +103,7 @@ void Watch::OnState(const bench::StateChange& change) {
 int Watch::Asked(const std::string& what, Millis limit) {
   const std::lock_guard lock(mutex_);
   const Millis now = clock_.Now();
+  Show(now, what);
   ++tally_.requests;
   since_[++lastId_] = now;
   answers.Asked(now, lastId_, what, limit);
@@ -101,6 +113,7 @@ int Watch::Asked(const std::string& what, Millis limit) {
 void Watch::Answered(int id, const std::string& what) {
   const std::lock_guard lock(mutex_);
   const Millis now = clock_.Now();
+  Show(now, what + ": answered");
   answers.Answered(now, id);
   Millis& longest = tally_.longest[what];
   longest = std::max(longest, now - since_[id]);

@@ -37,7 +37,8 @@ struct Tally {
 /// Any thread; what it is told is in the order in which it happened.
 class Watch final : public bench::ModemObserver, public bench::SensorListener {
  public:
-  explicit Watch(bench::Clock& clock) : clock_(clock) {}
+  /// `show`: prints everything that it sees.
+  Watch(bench::Clock& clock, bool show) : clock_(clock), show_(show) {}
 
   /// The modem's observers: this for the fixes, and this one for the lines.
   bench::AtTranscript& Lines() { return lines_; }
@@ -57,6 +58,7 @@ class Watch final : public bench::ModemObserver, public bench::SensorListener {
     tell(clock_.Now(), *this);
   }
 
+  void ShowDeed(const std::string& deed) const { Show(clock_.Now(), "deed " + deed); }
   std::size_t Reports() const;
   Tally Sum() const;
   std::vector<Breach> Found() const;
@@ -74,7 +76,10 @@ class Watch final : public bench::ModemObserver, public bench::SensorListener {
   void OnLine(const bench::AtLine& line);
   void OnCommandLine(const bench::AtLine& line);
 
+  void Show(Millis at, const std::string& what) const;
+
   bench::Clock& clock_;
+  const bool show_;
   mutable std::mutex mutex_;
   bench::AtTranscript lines_{[this](const bench::AtLine& line) { OnLine(line); }};
   Tally tally_;

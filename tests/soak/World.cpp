@@ -36,7 +36,7 @@ bench::Variant ValueOf(const soak::Write& write) {
 
 }  // namespace
 
-World::World(const Plan& plan) : plan_(plan) {
+World::World(const Plan& plan, bool show) : plan_(plan), watch_(clock_, show) {
   bench::RigOptions options;
   options.modem = ModemOf(plan.seed);
   options.startTicks = StartTicksOf(plan.seed);
@@ -58,6 +58,7 @@ Result World::Run() {
   rig_->Start();
   for (const Decision& decision : plan_.decisions) {
     clock_.SleepUntil(decision.at);
+    watch_.ShowDeed(DecisionText(decision));
     Do(decision);
     if (ended_) break;
   }
@@ -239,6 +240,7 @@ void World::PowerDown() {
   if (std::exchange(asleep_, true)) return;
   watch_.Note([](Millis, Watch& watch) {
     watch.uses.Fault();
+    watch.uses.PowerDown();
     watch.wire.ReadingStops();
   });
   rig_->host().PowerDown();
@@ -254,8 +256,10 @@ void World::PowerUp() {
     });
   };
   note();
-  rig_->host().PowerUp();
+  const HRESULT result = rig_->host().PowerUp();
   note();
+  // As the framework does with a device that does not come up again.
+  if (FAILED(result)) End(false);
 }
 
 void World::WriteConfig(std::int64_t which) {

@@ -22,7 +22,7 @@ struct Result {
 class World {
  public:
   /// Throws std::runtime_error with one line for a person when the driver cannot be loaded.
-  explicit World(const Plan& plan);
+  explicit World(const Plan& plan, bool show = false);
   ~World();
 
   Result Run();
@@ -52,7 +52,7 @@ class World {
 
   const Plan& plan_;
   bench::VirtualClock clock_;
-  Watch watch_{clock_};
+  Watch watch_;
   std::unique_ptr<bench::Rig> rig_;
   Doors doors_{clock_};
   std::vector<std::unique_ptr<Visitor>> visitors_;

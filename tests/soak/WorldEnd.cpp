@@ -29,8 +29,10 @@ void World::WaitForVisitors() {
 void World::Calm() {
   using bench::ModemAction;
   PowerUp();
-  for (const ModemAction action : {ModemAction::kSilent, ModemAction::kLoseFix, ModemAction::kCut,
-                                   ModemAction::kJoin, ModemAction::kStallControl}) {
+  if (ended_) return;
+  for (const ModemAction action :
+       {ModemAction::kObey, ModemAction::kSilent, ModemAction::kLoseFix, ModemAction::kCut,
+        ModemAction::kJoin, ModemAction::kStallControl}) {
     Inject(action);
   }
   Inject(ModemAction::kEchoOn);
@@ -44,8 +46,7 @@ void World::Calm() {
   });
 }
 
-// What was planned for the next commands may still go wrong a few times, and a refused request is
-// asked for again only when a client changes its mind.
+// A request that was refused once is asked for again only when a client changes its mind.
 bool World::ReportsComeBack() {
   Visitor& visitor = *visitors_.front();
   visitor.Connect();

@@ -19,9 +19,9 @@ namespace {
 
 constexpr int kReductionRuns = 150;
 
-Result RunPlan(const Plan& plan) {
+Result RunPlan(const Plan& plan, bool show = false) {
   const Watchdog watchdog(PlanText(plan));
-  World world(plan);
+  World world(plan, show);
   return world.Run();
 }
 
@@ -63,7 +63,7 @@ void ShowSum(const Tally& sum) {
 }
 
 bool Run(const Options& options, const Plan& plan, Tally& sum) {
-  const Result result = RunPlan(plan);
+  const Result result = RunPlan(plan, options.show);
   sum.Add(result.tally);
   if (result.breaches.empty()) return true;
   ShowReplay(options, plan, result);
@@ -81,7 +81,11 @@ int Main(const Options& options) {
     if (!plan) throw std::runtime_error(plan.error);
     good = Run(options, *plan.value, sum);
   } else {
-    for (std::uint64_t i = 0; i < options.seeds; ++i) {
+    const auto wanted = [&](std::uint64_t done) {
+      return options.total > 0 && !options.list ? sum.simulated < options.total
+                                                : done < options.seeds;
+    };
+    for (std::uint64_t i = 0; wanted(i); ++i) {
       const Plan plan = MakePlan(options.firstSeed + i, options.length);
       if (options.list) {
         std::fputs(PlanText(plan).c_str(), stdout);

@@ -29,8 +29,7 @@ void EngineUseRules::ResumeIdle(Millis at, bool sure) {
   }
   if (--holds_ > 0) return;
   const bool seen = startedAt_ >= 0 && at > startedAt_ + kAttemptTime && startWrites_ < kAttempts;
-  const bool ended = endedAt_ >= calmSince_ || (!sure && fixAt_ >= calmSince_);
-  if (seen && !ended && !ending_) {
+  if (seen && !MayHaveEnded(sure)) {
     breaches_.Add("engine-use-kept", at,
                   "the device may idle although the location request accepted at " +
                       std::to_string(startedAt_) + " ms runs");
@@ -38,8 +37,14 @@ void EngineUseRules::ResumeIdle(Millis at, bool sure) {
   startedAt_ = -1;
 }
 
-void EngineUseRules::Written(Millis at, std::string_view line) {
-  if (holds_ == 0) {
+bool EngineUseRules::MayHaveEnded(bool sure) const {
+  return ending_ || endedAt_ >= calmSince_ || (!sure && fixAt_ >= calmSince_);
+}
+
+void EngineUseRules::Written(Millis at, std::string_view line, bool sure) {
+  const bool first = line != lastLine_ || at - lastWritten_ > kUnderWay;
+  lastLine_ = line;
+  if (holds_ == 0 && (first || !MayHaveEnded(sure))) {
     breaches_.Add("engine-use-talking", at,
                   '"' + std::string(line) + "\" is written to a device that may idle");
   }
@@ -63,11 +68,16 @@ void EngineUseRules::Said(Millis at, std::string_view line) {
   }
   if (line.starts_with("+XLSRSTOP")) endedAt_ = at;
   if (line.starts_with("$")) fixAt_ = at;
-  if (line.starts_with("+XLCSLSR: request id") && starting_) startedAt_ = at;
+  if (line.starts_with("+XLCSLSR: request id") && starting_ && holds_ > 0) startedAt_ = at;
 }
 
 void EngineUseRules::PowerUp(Millis at) {
+  reading_ = true;
   endedAt_ = at;
+}
+
+void EngineUseRules::Opened(Millis at) {
+  if (!reading_) endedAt_ = at;
 }
 
 void EngineUseRules::Clients(Millis at, int change) {

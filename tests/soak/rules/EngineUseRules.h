@@ -1,6 +1,7 @@
 // The hold that keeps the device out of idle, as far as it can be seen from outside.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "tests/soak/rules/Breaches.h"
@@ -9,7 +10,8 @@ namespace soak {
 
 /// Rules:
 ///   engine-use-balance   holds are taken and given back in turn, and never below none;
-///   engine-use-talking   the device is held whenever a command is written;
+///   engine-use-talking   the device is held whenever a command is written; one that is written
+///                        again may have lost its hold to something that ended a request;
 ///   engine-use-kept      an accepted location request keeps the hold until something ends it: a
 ///                        stop, an engine error, a fix while no short interval is sure, a power-up;
 ///   engine-use-returned  without any fault in the run so far, nothing is held once nobody is
@@ -21,9 +23,12 @@ class EngineUseRules {
   void StopIdle(Millis at);
   /// `sure`: an interval of at most 8000 ms is in force for certain.
   void ResumeIdle(Millis at, bool sure);
-  void Written(Millis at, std::string_view line);
+  void Written(Millis at, std::string_view line, bool sure);
   void Said(Millis at, std::string_view line);
+  void PowerDown() { reading_ = false; }
   void PowerUp(Millis at);
+  /// The port is opened: what lay about unread while the power was down may be read now.
+  void Opened(Millis at);
   /// The device is stopped, which gives all uses back.
   void Ending() { ending_ = true; }
   /// Something went wrong, or is made to: the run is no longer a fair one.
@@ -34,10 +39,13 @@ class EngineUseRules {
   void Quiet(Millis at);
 
  private:
+  bool MayHaveEnded(bool sure) const;
+
   Breaches& breaches_;
   int holds_ = 0;
   Millis firstHold_ = 0;
 
+  std::string lastLine_;
   Millis lastWritten_ = -1'000'000;
   Millis calmSince_ = 0;   // the last time that no command was under way for long
   bool starting_ = false;  // the last command is a location request
@@ -46,6 +54,7 @@ class EngineUseRules {
   Millis endedAt_ = -1;    // the last thing that may end a request
   Millis fixAt_ = -1;      // the last fix; it ends a request unless the interval is short
 
+  bool reading_ = true;
   bool ending_ = false;
   bool fair_ = true;
   int connected_ = 0;

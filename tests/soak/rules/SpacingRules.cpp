@@ -41,6 +41,7 @@ void SpacingRules::Refresh(Millis at) {
   possible_.insert(required);
   if (required == kFastest) fakeAdded_ = false;
   refreshAt_ = at;
+  if (!since_) since_ = at;
   wholly_ = true;
   changed_ = true;
 }
@@ -79,6 +80,7 @@ void SpacingRules::DataRequested(Millis at) {
 void SpacingRules::AddFakeClient(Millis at) {
   if (possible_.insert(kFastest).second) fakeAdded_ = true;
   fakeAsked_ = at;
+  if (!since_) since_ = at;
 }
 
 void SpacingRules::Done(Millis at) {
@@ -156,7 +158,7 @@ void SpacingRules::Settle(Millis at) {
 }
 
 void SpacingRules::Confirm() {
-  const bool started = startWritten_ >= *refreshAt_;
+  const bool started = startWritten_ >= since_.value_or(*refreshAt_);
   if (needsStart_ && !started) return;
   const std::int64_t required = Required();
   const bool mixed =
@@ -170,6 +172,7 @@ void SpacingRules::Confirm() {
   if (started && !StartIsSure()) possible_.insert(kNone);
   fakeAdded_ = false;
   refreshAt_.reset();
+  since_.reset();
   wholly_ = false;
   needsStart_ = false;
   // A request for data on the way to another interval may bring the fake client.

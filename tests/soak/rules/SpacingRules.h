@@ -81,6 +81,7 @@ class SpacingRules {
   int underWay_ = 0;                 // calls of clients
   bool changed_ = false;             // one of them may have had a refresh posted
   std::optional<Millis> refreshAt_;  // asked for and not confirmed
+  std::optional<Millis> since_;      // the first doubt that is not confirmed
   bool wholly_ = false;              // by more than the fake client's end
   bool needsStart_ = false;          // it is confirmed by a start only
   bool fakeAdded_ = false;           // 1000 ms would not be possible without the fake client

@@ -1,0 +1,106 @@
+#include "tests/soak/rules/EngineUseRules.h"
+
+#include "tests/soak/tests/BreachesTest.h"
+
+namespace soak {
+namespace {
+
+constexpr bool kSure = true;
+constexpr const char* kStart = "AT+XLCSLSR=1,1,,,,,2,,,2,,";
+
+class EngineUseRulesTest : public RuleTest {
+ protected:
+  /// A request that the modem accepts, and two seconds in which it runs.
+  void Start(Millis at) {
+    rules.StopIdle(at);
+    rules.Written(at, kStart, kSure);
+    rules.Said(at + 5, "+XLCSLSR: request id 1");
+    rules.Said(at + 5, "OK");
+  }
+
+  EngineUseRules rules{breaches};
+};
+
+TEST_F(EngineUseRulesTest, HoldsInTurn) {
+  for (Millis at = 0; at < 5; ++at) {
+    rules.StopIdle(at);
+    rules.ResumeIdle(at, kSure);
+  }
+  EXPECT_THAT(Broken(), IsEmpty());
+}
+
+TEST_F(EngineUseRulesTest, ASecondHoldAndAReleaseTooMany) {
+  rules.StopIdle(0);
+  rules.StopIdle(1);
+  EXPECT_THAT(Broken(), ElementsAre("engine-use-balance"));
+  rules.ResumeIdle(2, kSure);
+  rules.ResumeIdle(2, kSure);
+  EXPECT_EQ(Broken().size(), 1u);
+  rules.ResumeIdle(2, kSure);
+  EXPECT_THAT(Broken(), ElementsAre("engine-use-balance", "engine-use-balance"));
+}
+
+TEST_F(EngineUseRulesTest, TwoThreadsMayTakeTheFirstHoldAtOnce) {
+  rules.StopIdle(0);
+  rules.StopIdle(0);
+  rules.ResumeIdle(0, kSure);
+  rules.ResumeIdle(1, kSure);
+  EXPECT_THAT(Broken(), IsEmpty());
+}
+
+TEST_F(EngineUseRulesTest, ACommandWithoutAHold) {
+  rules.StopIdle(0);
+  rules.Written(0, "AT+CIMI", kSure);
+  rules.ResumeIdle(1, kSure);
+  EXPECT_THAT(Broken(), IsEmpty());
+  rules.Written(2, "AT+XLCSTER=1", kSure);
+  EXPECT_THAT(Broken(), ElementsAre("engine-use-talking"));
+}
+
+TEST_F(EngineUseRulesTest, ARequestThatLosesItsHold) {
+  Start(0);
+  rules.ResumeIdle(5000, kSure);
+  EXPECT_THAT(Broken(), ElementsAre("engine-use-kept"));
+}
+
+TEST_F(EngineUseRulesTest, WhatEndsARequest) {
+  const auto ends = [this](Millis at, auto end) {
+    Start(at);
+    end(at + 5000);
+    rules.ResumeIdle(at + 5000, kSure);
+    EXPECT_THAT(Broken(), IsEmpty());
+  };
+  ends(0, [this](Millis at) { rules.Said(at, "+XLSRSTOP: 1"); });
+  ends(10'000, [this](Millis at) { rules.Said(at, "+XLCSLSR: ERROR: no position"); });
+  ends(20'000, [this](Millis at) { rules.PowerUp(at); });
+  Start(30'000);
+  rules.Said(34'000, "$GPGGA,");
+  rules.ResumeIdle(34'000, !kSure);
+  EXPECT_THAT(Broken(), IsEmpty());
+  Start(40'000);
+  rules.Said(44'000, "$GPGGA,");  // a fix of a short interval ends nothing
+  rules.ResumeIdle(44'000, kSure);
+  EXPECT_THAT(Broken(), ElementsAre("engine-use-kept"));
+}
+
+TEST_F(EngineUseRulesTest, AHoldThatIsNotGivenBack) {
+  rules.Clients(0, +1);
+  rules.StopIdle(0);
+  rules.Written(0, "AT+CIMI", kSure);
+  rules.Clients(1000, -1);
+  rules.Quiet(10'999);
+  EXPECT_THAT(Broken(), IsEmpty());
+  rules.Quiet(11'000);
+  EXPECT_THAT(Broken(), ElementsAre("engine-use-returned"));
+}
+
+TEST_F(EngineUseRulesTest, AfterAFaultItMayBeKept) {
+  rules.StopIdle(0);
+  rules.Written(0, "AT+CIMI", kSure);
+  rules.Said(1, "ERROR");
+  rules.Quiet(60'000);
+  EXPECT_THAT(Broken(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace soak
