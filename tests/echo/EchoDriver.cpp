@@ -3,6 +3,9 @@
 #include "tests/echo/EchoDriver.h"
 
 #include <algorithm>
+#include <optional>
+#include <string>
+#include <utility>
 
 #include "base/ComPtr.h"
 #include "platform/WdfCallbacks.h"
@@ -83,17 +86,16 @@ class Device final : public Object<IPnpCallback, IPnpCallbackHardware, IPnpCallb
     if (code != kEcho) return request->Complete(kUnknownCode);
     if (!Keep(request)) return request->Complete(kBusy);
     device_->StopIdle(TRUE);
-    const HRESULT written = Write(request);
-    if (FAILED(written)) Answer(written, nullptr, 0);
+    Written(Write(request));
   }
 
   // The reader's callbacks.
   void STDMETHODCALLTYPE OnReaderCompletion(IWDFUsbTargetPipe*, IWDFMemory* memory, SIZE_T count,
                                             void*) override {
-    Answer(S_OK, memory->GetDataBuffer(nullptr), count);
+    Answer({S_OK, std::string(static_cast<const char*>(memory->GetDataBuffer(nullptr)), count)});
   }
   BOOL STDMETHODCALLTYPE OnReaderFailure(IWDFUsbTargetPipe*, HRESULT status) override {
-    Answer(status, nullptr, 0);
+    Answer({status, {}});
     return TRUE;
   }
 
@@ -134,32 +136,65 @@ class Device final : public Object<IPnpCallback, IPnpCallbackHardware, IPnpCallb
     return result;
   }
 
+  struct Outcome {
+    HRESULT status;
+    std::string bytes;
+  };
+  class Locked {
+   public:
+    explicit Locked(SRWLOCK& lock) : lock_(lock) { AcquireSRWLockExclusive(&lock_); }
+    ~Locked() { ReleaseSRWLockExclusive(&lock_); }
+    Locked(const Locked&) = delete;
+    Locked& operator=(const Locked&) = delete;
+
+   private:
+    SRWLOCK& lock_;
+  };
+
   bool Keep(IWDFIoRequest* request) {
-    AcquireSRWLockExclusive(&lock_);
-    const bool kept = !open_;
-    if (kept) open_ = ComPtr<IWDFIoRequest>(request);
-    ReleaseSRWLockExclusive(&lock_);
-    return kept;
+    const Locked locked(lock_);
+    if (open_) return false;
+    open_ = ComPtr<IWDFIoRequest>(request);
+    writing_ = true;
+    return true;
   }
-  ComPtr<IWDFIoRequest> Take() {
-    AcquireSRWLockExclusive(&lock_);
-    ComPtr<IWDFIoRequest> request = std::move(open_);
-    ReleaseSRWLockExclusive(&lock_);
-    return request;
+  // What came while the request was still being written had to wait, so that nobody else ends the
+  // request, and with it the device, under the writing thread's feet.
+  void Written(HRESULT status) {
+    ComPtr<IWDFIoRequest> request;
+    std::optional<Outcome> outcome;
+    {
+      const Locked locked(lock_);
+      writing_ = false;
+      outcome = std::exchange(early_, std::nullopt);
+      if (FAILED(status)) outcome = {status, {}};
+      if (outcome) request = std::move(open_);
+    }
+    if (request) Complete(*request.Get(), *outcome);
   }
-  // Completes the open request, if there is one still.
-  void Answer(HRESULT status, void* data, SIZE_T count) {
-    const ComPtr<IWDFIoRequest> request = Take();
-    if (!request) return;
+  // Ends the open request, if there is one still.
+  void Answer(Outcome outcome) {
+    ComPtr<IWDFIoRequest> request;
+    {
+      const Locked locked(lock_);
+      if (writing_) {
+        if (!early_) early_ = std::move(outcome);
+      } else {
+        request = std::move(open_);
+      }
+    }
+    if (request) Complete(*request.Get(), outcome);
+  }
+  void Complete(IWDFIoRequest& request, Outcome& outcome) {
     ComPtr<IWDFMemory> output;
-    request->GetOutputMemory(output.Put());
-    const SIZE_T size = output ? std::min(count, output->GetSize()) : 0;
-    if (size != 0) output->CopyFromBuffer(0, data, size);
+    request.GetOutputMemory(output.Put());
+    const SIZE_T size = output ? std::min(outcome.bytes.size(), output->GetSize()) : 0;
+    if (size != 0) output->CopyFromBuffer(0, outcome.bytes.data(), size);
     output.Reset();
-    request->CompleteWithInformation(status, size);
     device_->ResumeIdle();
+    request.CompleteWithInformation(outcome.status, size);
   }
-  void Abort() { Answer(kAborted, nullptr, 0); }
+  void Abort() { Answer({kAborted, {}}); }
 
   ComPtr<IWDFDevice2> device_;
   ComPtr<IWDFIoQueue> queue_;
@@ -167,7 +202,10 @@ class Device final : public Object<IPnpCallback, IPnpCallbackHardware, IPnpCallb
   ComPtr<IWDFUsbTargetPipe> in_;
   ComPtr<IWDFUsbTargetPipe> out_;
   SRWLOCK lock_ = SRWLOCK_INIT;
-  ComPtr<IWDFIoRequest> open_;  // guarded by lock_
+  // Guarded by lock_.
+  ComPtr<IWDFIoRequest> open_;
+  bool writing_ = false;
+  std::optional<Outcome> early_;
 };
 
 class Driver final : public Object<IDriverEntry> {
