@@ -13,7 +13,7 @@ set(windows_only_tests acceptance platform bench_imports bench_rules trace modem
 # Tests of the whole driver that ask for what only the DLL has: imports that fail, a registry, the
 # module itself, a configuration file.
 string(JOIN "|" needs_the_dll "[Ff]aults\\(\\)" "Registry\\(\\)" "module\\(\\)"
-  systemRoot "SuplTest\\.h")
+  systemRoot "SuplTest\\.h" TraceOptions)
 set(native_bench_rooms clock framework sensorapi modem record)
 
 # Everything is compiled alike, GoogleTest too: half a sanitized program reports what is not there.
