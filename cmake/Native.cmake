@@ -14,7 +14,7 @@ set(windows_only_tests acceptance platform bench_imports bench_rules trace modem
 # module itself, a configuration file.
 string(JOIN "|" needs_the_dll "[Ff]aults\\(\\)" "Registry\\(\\)" "module\\(\\)"
   systemRoot "SuplTest\\.h" TraceOptions)
-set(native_bench_rooms clock framework sensorapi modem record)
+set(native_bench_rooms clock framework sensorapi modem record trace)
 
 # Everything is compiled alike, GoogleTest too: half a sanitized program reports what is not there.
 add_compile_options(-fshort-wchar)
