@@ -43,18 +43,26 @@ runStep() {
 
 # Runs a step and adds what its tests say to the totals.
 announceStep() {
-  local step=$1 start=$SECONDS ok=yes stepPassed=0 stepFailed=0 note=""
+  local step=$1 start=$SECONDS ok=yes stepPassed=0 stepFailed=0 note="" tried=""
   printf '%-14s' "$step"
   runStep "$step" >build/log/step.log 2>&1 || ok=no
   if [ -f "$results/$step.xml" ]; then
-    read -r stepPassed stepFailed <<<"$(tools/count-tests "$results/$step.xml" || echo 0 1)"
+    tools/count-tests "$results/$step.xml" >build/log/counts || echo 0 1 >build/log/counts
+    read -r stepPassed stepFailed <build/log/counts
     note="  $stepPassed passed, $stepFailed failed"
+    tried=$(tail -n +2 build/log/counts)
+  else
+    tried=$(sed -n 's/^in all /fuzz: /p' build/log/step.log)
   fi
   [ $ok = no ] && [ "$stepFailed" = 0 ] && stepFailed=1
   passed=$((passed + stepPassed))
   failed=$((failed + stepFailed))
   [ "$stepFailed" = 0 ] || ok=no
-  [ $ok = yes ] && echo "ok      $((SECONDS - start)) s$note" && return 0
+  if [ $ok = yes ]; then
+    echo "ok      $((SECONDS - start)) s$note"
+    [ "$tried" = "" ] || sed 's/^/                /' <<<"$tried"
+    return 0
+  fi
   echo "FAILED  $((SECONDS - start)) s$note"
   cat build/log/step.log
   return 1

@@ -61,6 +61,10 @@ class CountTestsTest(FileTest):
     def test_failed_and_skipped_cases_count_as_failed(self):
         self.assertEqual(self.count(("fail", GOOGLETEST_FAILED)), "3 3")
 
+    def test_what_a_program_tried_in_all_is_told_with_its_name(self):
+        self.assertEqual(self.count(("run", "a\nin all 7 runs&#13;\n"), ("run", "none in all 8")),
+                         "2 0\nt0: 7 runs")
+
     def test_another_program_counts_as_one(self):
         self.assertEqual(self.count(("run", "hello"), ("run", ""), ("fail", "oh")), "2 1")
 

@@ -82,8 +82,9 @@ Total RunAll() {
   RunLoad(table, "after the stress mix", true);
   const Total& total = table.Sum();
   table.Note("");
-  table.Note(std::to_string(total.passed) + " passed, " + std::to_string(total.remarks) +
-             " of them with a remark; " + std::to_string(total.failed) + " failed");
+  table.Note("in all " + std::to_string(total.passed) + " rows passed, " +
+             std::to_string(total.remarks) + " of them with a remark, " +
+             std::to_string(total.failed) + " failed");
   return total;
 }
 
