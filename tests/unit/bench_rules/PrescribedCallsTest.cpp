@@ -35,21 +35,23 @@ class PrescribedCalls : public testing::Test {
 
 TEST_F(PrescribedCalls, AreNoBreachAndOthersAre) {
   static constexpr PrescribedCall kOne[] = {{"IWDFDevice::GetDriver", "a test"},
-                                     {"IWDFDevice2::StopIdle", "a test"}};
+                                            {"IWDFDevice2::StopIdle", "a test"}};
   life_.Prescribe(kOne);
   life_.AtFlush([this](IWDFDevice*) { CallUnderALock(); });
   EXPECT_THAT(life_.Run(), ElementsAre(HasSubstr("IWDFDevice2::ResumeIdle")));
 }
 
 TEST_F(PrescribedCalls, CanBeAllOfAnInterface) {
-  static constexpr PrescribedCall kAll[] = {{"IWDFDevice::", "a test"}, {"IWDFDevice2::", "a test"}};
+  static constexpr PrescribedCall kAll[] = {{"IWDFDevice::", "a test"},
+                                            {"IWDFDevice2::", "a test"}};
   life_.Prescribe(kAll);
   life_.AtFlush([this](IWDFDevice*) { CallUnderALock(); });
   EXPECT_THAT(life_.Run(), IsEmpty());
 }
 
 TEST_F(PrescribedCalls, AreABreachInAReadersCallback) {
-  static constexpr PrescribedCall kAll[] = {{"IWDFDevice::", "a test"}, {"IWDFDevice2::", "a test"}};
+  static constexpr PrescribedCall kAll[] = {{"IWDFDevice::", "a test"},
+                                            {"IWDFDevice2::", "a test"}};
   life_.Prescribe(kAll);
   life_.script.onReaderFailure = [this](IWDFUsbTargetPipe*, HRESULT) {
     CallUnderALock();
