@@ -114,20 +114,17 @@ void Visitor::Subscribe(bool subscribe) {
 
 void Visitor::SetInterval(std::int64_t milliseconds) {
   WhenConnected([this, milliseconds] {
-    const bool accepted = milliseconds == 0 || milliseconds >= 1000;
+    const bool acceptable = IsAcceptable(milliseconds);
     watch_.Note([&](Millis now, Watch& watch) {
-      if (accepted) watch.spacing.IntervalSet(now, number_, milliseconds);
+      if (acceptable) watch.spacing.IntervalSet(now, number_, milliseconds);
     });
     const auto result = Ask("set the interval", limit::kQuick, [&](int) {
       return session_->SetReportInterval(static_cast<ULONG>(milliseconds));
     });
     watch_.Note([&](Millis now, Watch& watch) {
-      if (accepted) watch.spacing.Done(now);
-      if (SUCCEEDED(result.call) && accepted != result.Accepted()) {
-        watch.breaches.Add("interval-accepted", now,
-                           "an interval of " + std::to_string(milliseconds) + " ms was " +
-                               (accepted ? "refused" : "accepted"));
-      }
+      if (acceptable) watch.spacing.Done(now);
+      if (FAILED(result.call)) return;  // the device is gone
+      watch.answers.IntervalAnswered(now, milliseconds, result.Accepted());
     });
   });
 }

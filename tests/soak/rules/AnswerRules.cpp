@@ -20,6 +20,13 @@ void AnswerRules::Answered(Millis at, int id) {
   open_.erase(found);
 }
 
+void AnswerRules::IntervalAnswered(Millis at, std::int64_t milliseconds, bool accepted) {
+  if (accepted == IsAcceptable(milliseconds)) return;
+  breaches_.Add("interval-accepted", at,
+                "an interval of " + std::to_string(milliseconds) + " ms was " +
+                    (accepted ? "accepted" : "refused"));
+}
+
 void AnswerRules::Ended(Millis at) {
   for (const auto& [id, open] : open_) {
     breaches_.Add("answered", at,

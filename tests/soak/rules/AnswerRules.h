@@ -1,6 +1,7 @@
-// Every request of a client is answered in time.
+// Every request of a client is answered, in time and rightly.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <string>
 
@@ -8,14 +9,21 @@
 
 namespace soak {
 
-/// Rule:
-///   answered  a request is answered, within its own limit of simulated time.
+/// Whether an interval is to be accepted.
+constexpr bool IsAcceptable(std::int64_t milliseconds) {
+  return milliseconds == 0 || milliseconds >= 1000;
+}
+
+/// Rules:
+///   answered           a request is answered, within its own limit of simulated time;
+///   interval-accepted  a report interval is refused from 1 to 999 ms and accepted otherwise.
 class AnswerRules {
  public:
   explicit AnswerRules(Breaches& breaches) : breaches_(breaches) {}
 
   void Asked(Millis at, int id, std::string what, Millis limit);
   void Answered(Millis at, int id);
+  void IntervalAnswered(Millis at, std::int64_t milliseconds, bool accepted);
   /// The run is over: what is still open has no answer.
   void Ended(Millis at);
 

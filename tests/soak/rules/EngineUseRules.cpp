@@ -42,9 +42,9 @@ bool EngineUseRules::MayHaveEnded(bool sure) const {
 }
 
 void EngineUseRules::Written(Millis at, std::string_view line, bool sure) {
-  const bool first = line != lastLine_ || at - lastWritten_ > kUnderWay;
-  lastLine_ = line;
-  if (holds_ == 0 && (first || !MayHaveEnded(sure))) {
+  // A use is taken before the command waits for its turn, and may be lost meanwhile.
+  const bool waited = at - lastWritten_ <= kUnderWay;
+  if (holds_ == 0 && !(waited && MayHaveEnded(sure))) {
     breaches_.Add("engine-use-talking", at,
                   '"' + std::string(line) + "\" is written to a device that may idle");
   }

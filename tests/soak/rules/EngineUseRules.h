@@ -1,7 +1,6 @@
 // The hold that keeps the device out of idle, as far as it can be seen from outside.
 #pragma once
 
-#include <string>
 #include <string_view>
 
 #include "tests/soak/rules/Breaches.h"
@@ -10,8 +9,8 @@ namespace soak {
 
 /// Rules:
 ///   engine-use-balance   holds are taken and given back in turn, and never below none;
-///   engine-use-talking   the device is held whenever a command is written; one that is written
-///                        again may have lost its hold to something that ended a request;
+///   engine-use-talking   the device is held whenever a command is written; one that had to
+///                        wait may have lost its hold to something that ended a request;
 ///   engine-use-kept      an accepted location request keeps the hold until something ends it: a
 ///                        stop, an engine error, a fix while no short interval is sure, a power-up;
 ///   engine-use-returned  without any fault in the run so far, nothing is held once nobody is
@@ -45,7 +44,6 @@ class EngineUseRules {
   int holds_ = 0;
   Millis firstHold_ = 0;
 
-  std::string lastLine_;
   Millis lastWritten_ = -1'000'000;
   Millis calmSince_ = 0;   // the last time that no command was under way for long
   bool starting_ = false;  // the last command is a location request

@@ -57,6 +57,16 @@ TEST_F(EngineUseRulesTest, ACommandWithoutAHold) {
   EXPECT_THAT(Broken(), ElementsAre("engine-use-talking"));
 }
 
+TEST_F(EngineUseRulesTest, ACommandThatWaitedMayHaveLostItsHold) {
+  Start(0);
+  rules.Said(1000, "+XLCSLSR: ERROR: no position");
+  rules.ResumeIdle(1001, kSure);
+  rules.Written(1001, "AT+CIMI", kSure);
+  EXPECT_THAT(Broken(), IsEmpty());
+  rules.Written(9000, "AT+CIMI", kSure);  // nothing to wait for
+  EXPECT_THAT(Broken(), ElementsAre("engine-use-talking"));
+}
+
 TEST_F(EngineUseRulesTest, ARequestThatLosesItsHold) {
   Start(0);
   rules.ResumeIdle(5000, kSure);

@@ -54,6 +54,15 @@ TEST_F(AnswerRulesTest, ALaterOneIsNot) {
   EXPECT_THAT(Broken(), ElementsAre("answered"));
 }
 
+TEST_F(AnswerRulesTest, IntervalsBelowASecondAreRefusedAndZeroIsNot) {
+  for (const std::int64_t interval : {0, 1000, 1001}) rules.IntervalAnswered(1, interval, true);
+  for (const std::int64_t interval : {1, 999}) rules.IntervalAnswered(1, interval, false);
+  EXPECT_THAT(Broken(), IsEmpty());
+  rules.IntervalAnswered(1, 999, true);
+  rules.IntervalAnswered(1, 0, false);
+  EXPECT_THAT(Broken(), ElementsAre("interval-accepted", "interval-accepted"));
+}
+
 TEST_F(AnswerRulesTest, NoneAtAllIsNotEither) {
   rules.Asked(1000, 1, "read", 1800);
   rules.Ended(1100);
