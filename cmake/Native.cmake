@@ -129,6 +129,7 @@ foreach(source IN LISTS driver_tests)
 endforeach()
 add_native_program(driver_tests stelvane_native ${driver_tests})
 target_include_directories(driver_tests BEFORE PRIVATE ${PROJECT_SOURCE_DIR}/tests/native/rig)
+target_precompile_headers(driver_tests PRIVATE tests/driver/RigTest.h)
 include(GoogleTest)
 gtest_discover_tests(driver_tests DISCOVERY_MODE PRE_TEST TEST_PREFIX driver_tests.
   PROPERTIES TIMEOUT 600 ENVIRONMENT "${sanitizer_options}")
