@@ -192,6 +192,18 @@ TEST_F(ModemSession, RefusedClearingOfTheAssistanceDataRestartsTheRequestAllTheS
   EXPECT_EQ(Commands().back(), "AT+XLCSLSR=1,1,,,,,5,,,2,,");
 }
 
+TEST_F(ModemSession, ARestartRefusedAfterClearingIsNotRepeated) {
+  StartQuietly();
+  ClientSession& client = SubscribeEvery(5000);
+  modem_->Answer("AT+XLCSLSR=", Error());
+  modem_->Forget();
+  ASSERT_TRUE(client.SetProperty(DriverKey(2), Variant::Bool(true)).Accepted());
+  Settle();
+  EXPECT_THAT(Commands(),
+              ElementsAre(kStop, "AT+XLGNVRAM=7,0", "AT+CIMI", "AT+XLCSLSR=1,1,,,,,5,,,2,,"));
+  EXPECT_EQ(IdleHolds(), 0);
+}
+
 TEST_F(ModemSession, NothingIsSentOnTheWayDownEvenForARequestThatStillRuns) {
   StartQuietly();
   SubscribeEvery(5000);

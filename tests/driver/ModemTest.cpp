@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "tests/driver/TraceAll.h"
 #include "workbench/framework/FxDevice.h"
 
 namespace bench {
@@ -44,6 +45,7 @@ void ModemTest::Build(RigOptions options) {
                                   .wSecond = 7,
                                   .wMilliseconds = 0};
   }
+  TraceIfAsked(options);
   rig_ = std::make_unique<Rig>(clock_, std::move(options));
 }
 

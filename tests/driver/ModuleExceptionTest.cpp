@@ -1,6 +1,7 @@
 // Memory that has run out is an error like any other, on every thread and for as long as it lasts.
 
 #include <atomic>
+#include <future>
 #include <thread>
 #include <vector>
 
@@ -66,25 +67,41 @@ TEST_F(ModuleExceptionTest, ThreadsAtTheSameTimeDoNotMeet) {
   faults().Clear();
 }
 
+TEST_F(ModuleExceptionTest, ThreadsBeyondThePlacesGetTheirsFromTheHeap) {
+  Load();
+  FailForGood("malloc");
+  std::atomic<int> refused{0};
+  std::atomic<int> threw{0};
+  std::promise<void> last;
+  const std::shared_future<void> allThrew = last.get_future().share();
+  std::vector<std::thread> threads;
+  for (int i = 0; i < kManyThreads; ++i) {
+    threads.emplace_back([&] {
+      if (MakeDriverObject() == E_OUTOFMEMORY) ++refused;
+      if (++threw == kManyThreads) last.set_value();
+      allThrew.wait();  // nobody's place is free before all have one
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(refused, kManyThreads);
+  faults().Clear();
+}
+
 TEST_F(ModuleExceptionTest, AThreadThatThrewMayOutliveTheModule) {
   Load();
-  std::atomic<bool> threw{false};
-  std::atomic<bool> unloaded{false};
-  HRESULT result = S_OK;
+  std::promise<HRESULT> threw;
+  std::promise<void> unloaded;
   std::thread thread([&] {
     FailForGood("malloc");
-    result = MakeDriverObject();
+    const HRESULT result = MakeDriverObject();
     faults().Clear();
-    threw = true;
-    threw.notify_one();
-    unloaded.wait(false);
+    threw.set_value(result);
+    unloaded.get_future().wait();
   });
-  threw.wait(false);
+  EXPECT_EQ(threw.get_future().get(), E_OUTOFMEMORY);
   rig().Shutdown();
-  unloaded = true;
-  unloaded.notify_one();
+  unloaded.set_value();
   thread.join();  // its end calls nothing of the module's any more
-  EXPECT_EQ(result, E_OUTOFMEMORY);
 }
 
 TEST_F(ModuleExceptionTest, WindowsMayRefuseToKeepAThreadsValue) {

@@ -7,6 +7,7 @@
 #include <memory>
 #include <utility>
 
+#include "tests/driver/TraceAll.h"
 #include "workbench/clock/VirtualClock.h"
 #include "workbench/framework/FxDevice.h"
 #include "workbench/rig/Rig.h"
@@ -23,6 +24,7 @@ class RigTest : public testing::Test {
 
   /// Loads the DLL; may be called once.
   Rig& Load(RigOptions options = {}) {
+    TraceIfAsked(options);
     rig_ = std::make_unique<Rig>(clock_, std::move(options));
     return *rig_;
   }

@@ -224,6 +224,9 @@ constexpr WordsCase kWords[] = {
     // White space may stand before a number, not before a separator.
     {" 1/ 2/\t\v\f\r\n3", 1, 2, 3},
     {"1 /2/3", 1, kUntouched, kUntouched},
+    {"\x08"
+     "1/2/3",
+     kUntouched, kUntouched, kUntouched},
     {"1/2 /3", 1, 2, kUntouched},
     // A sign is taken and the value wraps.
     {"+1/-1/-2", 1, 65535, 65534},

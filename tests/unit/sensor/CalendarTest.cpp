@@ -29,6 +29,11 @@ TEST(CalendarSeconds, KnownMoments) {
   EXPECT_EQ(CalendarSeconds(At(2038, 1, 19, 3, 14, 8)), 2'147'483'648);
 }
 
+TEST(CalendarSeconds, EveryFourthYearHasALeapDay) {
+  EXPECT_EQ(CalendarSeconds(At(2016, 3, 1)) - CalendarSeconds(At(2016, 2, 28)), 2 * 86400);
+  EXPECT_EQ(CalendarSeconds(At(2015, 3, 1)) - CalendarSeconds(At(2015, 2, 28)), 86400);
+}
+
 TEST(CalendarSeconds, LeapYearsOfTheCenturies) {
   EXPECT_EQ(CalendarSeconds(At(2000, 3, 1)) - CalendarSeconds(At(2000, 2, 28)), 2 * 86400);
   EXPECT_EQ(CalendarSeconds(At(2100, 3, 1)) - CalendarSeconds(At(2100, 2, 28)), 86400);
@@ -56,6 +61,11 @@ TEST(CalendarSeconds, DaysAndTimesRunOver) {
 TEST(CalendarSeconds, BeforeNineteenSeventyThereIsMinusOne) {
   EXPECT_EQ(CalendarSeconds(At(1969, 12, 31, 23, 59, 59)), -1);
   EXPECT_EQ(CalendarSeconds(SYSTEMTIME{}), -1);
+}
+
+TEST(CalendarSeconds, AfterTheYearThreeThousandThereIsMinusOne) {
+  EXPECT_GT(CalendarSeconds(At(3000, 12, 31)), 0);
+  EXPECT_EQ(CalendarSeconds(At(3001, 1, 1)), -1);
 }
 
 TEST(AgeInSeconds, CountsWholeSeconds) {

@@ -44,5 +44,23 @@ TEST_F(LeadTimesTest, ANineSecondIntervalIsAskedForSixSecondsAfterAReport) {
   EXPECT_EQ(9000U - leads_.For(9000), 6000U);
 }
 
+TEST(LeadTimeNumber, StandsAfterWhiteSpaceAndASign) {
+  EXPECT_EQ(lead_times::ReadNumber(L" \t\r\n5"), 5);
+  EXPECT_EQ(lead_times::ReadNumber(L"+5"), 5);
+  EXPECT_EQ(lead_times::ReadNumber(L" -5,7"), -5);
+  EXPECT_EQ(lead_times::ReadNumber(L"\x000E"
+                                   L"5"),
+            0);
+  EXPECT_EQ(lead_times::ReadNumber(L"\x0008"
+                                   L"5"),
+            0);
+  EXPECT_EQ(lead_times::ReadNumber(L"five"), 0);
+}
+
+TEST(LeadTimeNumber, IsHeldInTheRangeOfALong) {
+  EXPECT_EQ(lead_times::ReadNumber(L"2147483648"), MAXLONG);
+  EXPECT_EQ(lead_times::ReadNumber(L"-99999999999999999999"), -MAXLONG - 1);
+}
+
 }  // namespace
 }  // namespace stelvane
