@@ -153,17 +153,21 @@ LONG AtChannel::EngineUseCount() {
 
 void AtChannel::OnReaderCompletion(IWDFUsbTargetPipe* pipe, IWDFMemory* memory,
                                    SIZE_T numBytesTransferred, PVOID context) noexcept {
-  if (memory == nullptr) return;
+  TRACE(ReaderCompletionEntered, ULONG64{numBytesTransferred});
   SIZE_T size = 0;
-  const void* const data = memory->GetDataBuffer(&size);
-  if (data == nullptr) return;
-  OnBytesReceived(static_cast<const char*>(data), std::min(numBytesTransferred, size));
+  const void* const data = memory != nullptr ? memory->GetDataBuffer(&size) : nullptr;
+  if (data != nullptr) {
+    OnBytesReceived(static_cast<const char*>(data), std::min(numBytesTransferred, size));
+  }
+  TRACE(ReaderCompletionLeft);
 }
 
 BOOL AtChannel::OnReaderFailure(IWDFUsbTargetPipe* pipe, HRESULT status) noexcept {
+  TRACE(ReaderFailureEntered);
   const ScopedLock lock(receiveLock_);
   const bool restart = sink_ != nullptr && !sink_->IsStopping();
   TRACE(ReaderFailure, status, ULONG{restart});
+  TRACE(ReaderFailureLeft, ULONG{restart});
   return restart;
 }
 

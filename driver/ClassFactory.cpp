@@ -31,16 +31,21 @@ ULONG ClassFactory::Release() noexcept {
 
 HRESULT ClassFactory::CreateInstance(IUnknown* outer, REFIID iid, void** object) noexcept {
   TRACE(CreateInstanceEntered);
-  if (object == nullptr) return E_POINTER;
-  *object = nullptr;
-  const bool aggregated = outer != nullptr && !IsEqualGUID(iid, iidOf<IUnknown>);
-  const HRESULT result = aggregated ? CLASS_E_NOAGGREGATION : entry_.createInstance(iid, object);
+  HRESULT result = E_POINTER;
+  if (object != nullptr) {
+    *object = nullptr;
+    const bool aggregated = outer != nullptr && !IsEqualGUID(iid, iidOf<IUnknown>);
+    result = aggregated ? CLASS_E_NOAGGREGATION : entry_.createInstance(iid, object);
+  }
+  if (FAILED(result)) TRACE(InstanceNotMade, result);
   TRACE(CreateInstanceLeft, result);
   return result;
 }
 
 HRESULT ClassFactory::LockServer(BOOL lock) noexcept {
+  TRACE(LockServerEntered, lock);
   moduleLockCount += lock ? 1 : -1;
+  TRACE(LockServerLeft, S_OK);
   return S_OK;
 }
 

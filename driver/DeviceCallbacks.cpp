@@ -43,13 +43,14 @@ ComPtr<DeviceContext> DeviceCallbacks::Context() {
 
 HRESULT DeviceCallbacks::OnPrepareHardware(IWDFDevice* device) noexcept {
   TRACE(PrepareHardwareEntered);
+  HRESULT result = E_UNEXPECTED;
   if (device == nullptr) {
     TRACE(NoDevice);
-    return E_UNEXPECTED;
+  } else {
+    const CallbackScope scope(guard_, kHardwarePreparation);
+    result = scope.Result();
+    if (SUCCEEDED(result)) result = Prepare(device);
   }
-  const CallbackScope scope(guard_, kHardwarePreparation);
-  HRESULT result = scope.Result();
-  if (SUCCEEDED(result)) result = Prepare(device);
   TRACE(PrepareHardwareLeft, result);
   return result;
 }
@@ -137,11 +138,13 @@ void DeviceCallbacks::OnSurpriseRemoval(IWDFDevice* device) noexcept {
 
 HRESULT DeviceCallbacks::OnQueryRemove(IWDFDevice* device) noexcept {
   TRACE(QueryRemoveEntered);
+  TRACE(QueryRemoveLeft, S_OK);
   return S_OK;
 }
 
 HRESULT DeviceCallbacks::OnQueryStop(IWDFDevice* device) noexcept {
   TRACE(QueryStopEntered);
+  TRACE(QueryStopLeft, S_OK);
   return S_OK;
 }
 
@@ -193,10 +196,12 @@ void DeviceCallbacks::OnSelfManagedIoFlush(IWDFDevice* device) noexcept {
 
 void DeviceCallbacks::OnSelfManagedIoCleanup(IWDFDevice* device) noexcept {
   TRACE(IoCleanupEntered);
+  TRACE(IoCleanupLeft);
 }
 
 HRESULT DeviceCallbacks::OnSelfManagedIoStop(IWDFDevice* device) noexcept {
   TRACE(IoStopEntered);
+  TRACE(IoStopLeft, S_OK);
   return S_OK;
 }
 

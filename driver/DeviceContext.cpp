@@ -173,7 +173,10 @@ HRESULT DeviceContext::HandlePrivateIoControl(IWDFIoRequest* request, ULONG cont
     const ScopedLock partners(partnersLock_);
     owner = owner_;
   }
-  if (!owner) return kShutdownInProgress;
+  if (!owner) {
+    TRACE(RefusedInShutdown, controlCode);
+    return kShutdownInProgress;
+  }
   const CallbackScope scope(owner->Guard(), kPrivateIoControl);
   HRESULT result = scope.Result();
   if (FAILED(result)) {

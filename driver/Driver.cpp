@@ -28,8 +28,7 @@ HRESULT CreateDevice(IWDFDriver* driver, IWDFDeviceInitialize* deviceInit,
   deviceInit->SetLockingConstraint(WDF_CALLBACK_CONSTRAINT::None);
   deviceInit->SetPowerPolicyOwnership(TRUE);
   ComPtr<IUnknown> unknown;
-  const HRESULT result = callbacks.As(unknown);
-  if (FAILED(result)) return result;
+  RETURN_IF_FAILED(callbacks.As(unknown), DeviceNotCreated);
   ComPtr<IWDFDevice> device;
   RETURN_IF_FAILED(driver->CreateDevice(deviceInit, unknown.Get(), device.Put()), DeviceNotCreated);
   return S_OK;
@@ -45,6 +44,7 @@ HRESULT Driver::CreateInstance(REFIID iid, void** object) noexcept {
 
 HRESULT Driver::OnInitialize(IWDFDriver* driver) noexcept {
   TRACE(InitializeEntered);
+  TRACE(InitializeLeft, S_OK);
   return S_OK;
 }
 
@@ -64,6 +64,7 @@ HRESULT Driver::OnDeviceAdd(IWDFDriver* driver, IWDFDeviceInitialize* deviceInit
 
 void Driver::OnDeinitialize(IWDFDriver* driver) noexcept {
   TRACE(DeinitializeEntered);
+  TRACE(DeinitializeLeft);
 }
 
 }  // namespace stelvane

@@ -41,6 +41,7 @@ HRESULT CachedFactory(const ObjectMapEntry& entry) {
 
 bool InitializeModule() noexcept {
   moduleInitialized = InitializeCriticalSectionAndSpinCount(&moduleSection, 0) != FALSE;
+  if (!moduleInitialized) TRACE(SectionNotMade, GetLastError());
   return moduleInitialized;
 }
 
@@ -56,13 +57,19 @@ void TerminateModule() noexcept {
 }
 
 HRESULT GetClassObject(REFCLSID classId, REFIID iid, void** object) noexcept {
-  if (object == nullptr) return E_POINTER;
+  if (object == nullptr) {
+    TRACE(FactoryNotGiven, E_POINTER);
+    return E_POINTER;
+  }
   *object = nullptr;
   for (const ObjectMapEntry& entry : kObjectMap) {
     if (!IsEqualGUID(classId, *entry.classId)) continue;
     EnterCriticalSection(&moduleSection);
     HRESULT result = CachedFactory(entry);
-    if (SUCCEEDED(result)) result = (*entry.cachedFactory)->QueryInterface(iid, object);
+    if (SUCCEEDED(result)) {
+      result = (*entry.cachedFactory)->QueryInterface(iid, object);
+      if (FAILED(result)) TRACE(FactoryNotGiven, result);
+    }
     LeaveCriticalSection(&moduleSection);
     return result;
   }

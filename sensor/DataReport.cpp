@@ -128,7 +128,10 @@ HRESULT BuildDataValues(IPortableDeviceKeyCollection* fields, ComPtr<IPortableDe
   RETURN_IF_FAILED(fields->GetCount(&count), FieldsNotCounted);
   for (DWORD index = 0; index < count; ++index) {
     PROPERTYKEY key = {};
-    if (FAILED(fields->GetAt(index, &key))) continue;
+    if (const HRESULT read = fields->GetAt(index, &key); FAILED(read)) {
+      TRACE(FieldPassedOver, index, read);
+      continue;
+    }
     const DataField* const field = FindField(key);
     if (field == nullptr) continue;
     PropVariant value;

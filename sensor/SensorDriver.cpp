@@ -33,8 +33,55 @@ HRESULT Guarded(Work&& work) noexcept {
   try {
     return work();
   } catch (const std::bad_alloc&) {
+    TRACE(CallAborted);
     return E_OUTOFMEMORY;
   }
+}
+
+HRESULT RefuseNull() {
+  TRACE(NullArgument);
+  return E_INVALIDARG;
+}
+
+using KeyCollection = ComPtr<IPortableDeviceKeyCollection>;
+
+HRESULT GiveKeys(IPortableDeviceKeyCollection** keyCollection, HRESULT (*make)(KeyCollection&)) {
+  if (keyCollection == nullptr) return RefuseNull();
+  KeyCollection keys;
+  const HRESULT result = make(keys);
+  *keyCollection = SUCCEEDED(result) ? keys.Detach() : nullptr;
+  return result;
+}
+
+HRESULT GiveEvents(GUID** events, ULONG* count) {
+  if (events == nullptr || count == nullptr) return RefuseNull();
+  constexpr GUID kEvents[] = {kSensorEventDataUpdated, kSensorEventStateChanged};
+  *count = 0;
+  *events = static_cast<GUID*>(CoTaskMemAlloc(sizeof(kEvents)));
+  if (*events == nullptr) {
+    TRACE(EventsNotMade);
+    return E_OUTOFMEMORY;
+  }
+  std::copy(std::begin(kEvents), std::end(kEvents), *events);
+  *count = static_cast<ULONG>(std::size(kEvents));
+  return S_OK;
+}
+
+HRESULT MakeValues(ComPtr<IPortableDeviceValues>& values) {
+  RETURN_IF_FAILED(MakeContainer(clsid::kPortableDeviceValues, values), ValuesNotMade);
+  return S_OK;
+}
+
+// A container that `fill` succeeded with, or null.
+template <class Fill>
+HRESULT GiveValues(IUnknown* input, IPortableDeviceValues** values, Fill&& fill) {
+  if (input == nullptr || values == nullptr) return RefuseNull();
+  *values = nullptr;
+  ComPtr<IPortableDeviceValues> made;
+  HRESULT result = MakeValues(made);
+  if (SUCCEEDED(result)) result = Guarded([&] { return fill(made.Get()); });
+  if (SUCCEEDED(result)) *values = made.Detach();
+  return result;
 }
 
 }  // namespace
@@ -60,25 +107,14 @@ ULONG SensorDriver::Release() noexcept {
 HRESULT SensorDriver::OnGetSupportedDataFields(
     LPWSTR sensorId, IPortableDeviceKeyCollection** keyCollection) noexcept {
   TRACE(SupportedDataFieldsEntered);
-  if (keyCollection == nullptr) return E_INVALIDARG;
-  ComPtr<IPortableDeviceKeyCollection> fields;
-  const HRESULT result = MakeSupportedDataFields(fields);
-  *keyCollection = SUCCEEDED(result) ? fields.Detach() : nullptr;
+  const HRESULT result = GiveKeys(keyCollection, MakeSupportedDataFields);
   TRACE(SupportedDataFieldsLeft, result);
   return result;
 }
 
 HRESULT SensorDriver::OnGetSupportedEvents(LPWSTR sensorId, GUID** events, ULONG* count) noexcept {
   TRACE(SupportedEventsEntered);
-  if (events == nullptr || count == nullptr) return E_INVALIDARG;
-  constexpr GUID kEvents[] = {kSensorEventDataUpdated, kSensorEventStateChanged};
-  *count = 0;
-  *events = static_cast<GUID*>(CoTaskMemAlloc(sizeof(kEvents)));
-  const HRESULT result = *events != nullptr ? S_OK : E_OUTOFMEMORY;
-  if (SUCCEEDED(result)) {
-    std::copy(std::begin(kEvents), std::end(kEvents), *events);
-    *count = static_cast<ULONG>(std::size(kEvents));
-  }
+  const HRESULT result = GiveEvents(events, count);
   TRACE(SupportedEventsLeft, result);
   return result;
 }
@@ -86,10 +122,7 @@ HRESULT SensorDriver::OnGetSupportedEvents(LPWSTR sensorId, GUID** events, ULONG
 HRESULT SensorDriver::OnGetSupportedProperties(
     LPWSTR sensorId, IPortableDeviceKeyCollection** keyCollection) noexcept {
   TRACE(SupportedPropertiesEntered);
-  if (keyCollection == nullptr) return E_INVALIDARG;
-  ComPtr<IPortableDeviceKeyCollection> advertised;
-  const HRESULT result = MakeSupportedProperties(advertised);
-  *keyCollection = SUCCEEDED(result) ? advertised.Detach() : nullptr;
+  const HRESULT result = GiveKeys(keyCollection, MakeSupportedProperties);
   TRACE(SupportedPropertiesLeft, result);
   return result;
 }
@@ -98,14 +131,9 @@ HRESULT SensorDriver::OnGetProperties(IWDFFile* client, LPWSTR sensorId,
                                       IPortableDeviceKeyCollection* properties,
                                       IPortableDeviceValues** values) noexcept {
   TRACE(GetPropertiesEntered);
-  if (properties == nullptr || values == nullptr) return E_INVALIDARG;
-  *values = nullptr;
-  ComPtr<IPortableDeviceValues> made;
-  HRESULT result = MakeContainer(clsid::kPortableDeviceValues, made);
-  if (SUCCEEDED(result)) {
-    result = Guarded([&] { return ReadProperties(core_, properties, made.Get()); });
-  }
-  if (SUCCEEDED(result)) *values = made.Detach();
+  const HRESULT result = GiveValues(properties, values, [&](IPortableDeviceValues* made) {
+    return ReadProperties(core_, properties, made);
+  });
   TRACE(GetPropertiesLeft, result);
   return result;
 }
@@ -114,14 +142,9 @@ HRESULT SensorDriver::OnSetProperties(IWDFFile* client, LPWSTR sensorId,
                                       IPortableDeviceValues* values,
                                       IPortableDeviceValues** results) noexcept {
   TRACE(SetPropertiesEntered, client);
-  if (values == nullptr || results == nullptr) return E_INVALIDARG;
-  *results = nullptr;
-  ComPtr<IPortableDeviceValues> made;
-  HRESULT result = MakeContainer(clsid::kPortableDeviceValues, made);
-  if (SUCCEEDED(result)) {
-    result = Guarded([&] { return WriteProperties(core_, client, values, made.Get()); });
-  }
-  if (SUCCEEDED(result)) *results = made.Detach();
+  const HRESULT result = GiveValues(values, results, [&](IPortableDeviceValues* made) {
+    return WriteProperties(core_, client, values, made);
+  });
   TRACE(SetPropertiesLeft, result);
   return result;
 }
@@ -129,20 +152,26 @@ HRESULT SensorDriver::OnSetProperties(IWDFFile* client, LPWSTR sensorId,
 HRESULT SensorDriver::OnGetSupportedSensorObjects(
     IPortableDeviceValuesCollection** objects) noexcept {
   TRACE(SensorObjectsEntered);
-  if (objects == nullptr) return E_INVALIDARG;
+  const HRESULT result = objects == nullptr ? RefuseNull() : GiveSensorObjects(objects);
+  TRACE(SensorObjectsLeft, result);
+  return result;
+}
+
+HRESULT SensorDriver::GiveSensorObjects(IPortableDeviceValuesCollection** objects) {
   *objects = nullptr;
   WCHAR noId[] = L"";
   ComPtr<IPortableDeviceValuesCollection> collection;
-  HRESULT result = MakeContainer(clsid::kPortableDeviceValuesCollection, collection);
+  RETURN_IF_FAILED(MakeContainer(clsid::kPortableDeviceValuesCollection, collection),
+                   ObjectsNotMade);
   ComPtr<IPortableDeviceKeyCollection> advertised;
-  if (SUCCEEDED(result)) result = OnGetSupportedProperties(noId, advertised.Put());
+  HRESULT result = OnGetSupportedProperties(noId, advertised.Put());
+  if (FAILED(result)) return result;
   ComPtr<IPortableDeviceValues> values;
-  if (SUCCEEDED(result)) {
-    result = OnGetProperties(nullptr, noId, advertised.Get(), values.Put());
-  }
-  if (SUCCEEDED(result)) result = collection->Add(values.Get());
-  if (SUCCEEDED(result)) *objects = collection.Detach();
-  TRACE(SensorObjectsLeft, result);
+  result = OnGetProperties(nullptr, noId, advertised.Get(), values.Put());
+  if (FAILED(result)) return result;
+  result = collection->Add(values.Get());
+  RETURN_IF_FAILED(result, ObjectsNotMade);
+  *objects = collection.Detach();
   return result;
 }
 
@@ -150,13 +179,19 @@ HRESULT SensorDriver::OnGetDataFields(IWDFFile* client, LPWSTR sensorId,
                                       IPortableDeviceKeyCollection* fields,
                                       IPortableDeviceValues** values) noexcept {
   TRACE(GetDataFieldsEntered);
-  if (fields == nullptr || values == nullptr) return E_INVALIDARG;
+  const HRESULT result =
+      fields == nullptr || values == nullptr ? RefuseNull() : GiveFields(fields, values);
+  TRACE(GetDataFieldsLeft, result);
+  return result;
+}
+
+HRESULT SensorDriver::GiveFields(IPortableDeviceKeyCollection* fields,
+                                 IPortableDeviceValues** values) {
   *values = nullptr;
   ComPtr<IPortableDeviceValues> made;
-  RETURN_IF_FAILED(MakeContainer(clsid::kPortableDeviceValues, made), ValuesNotMade);
+  if (const HRESULT result = MakeValues(made); FAILED(result)) return result;
   const HRESULT result = Guarded([&] { return ReadFields(fields, made); });
   *values = made.Detach();  // also on a failure
-  TRACE(GetDataFieldsLeft, result);
   return result;
 }
 
@@ -179,7 +214,10 @@ HRESULT SensorDriver::ReadFields(IPortableDeviceKeyCollection* fields,
                                  const ComPtr<IPortableDeviceValues>& values) {
   const Freshness freshness = AwaitFreshData();
   const StoredFix fix = core_.Fixes().LastFix();
-  if (freshness != Freshness::kFresh && !fix.valid) return E_FAIL;
+  if (freshness != Freshness::kFresh && !fix.valid) {
+    TRACE(NoFix);
+    return E_FAIL;
+  }
   if (freshness == Freshness::kTimedOut) core_.PostSensorEvent(EV_FIX_LOST);
   if (!IsOnEarth(fix.record)) {
     TRACE(CoordinatesOutOfRange, Microdegrees(fix.record.latitude),
@@ -243,6 +281,7 @@ HRESULT SensorDriver::SetSubscribed(IWDFFile* client, bool subscribed) {
 
 HRESULT SensorDriver::OnProcessWmi(IUnknown* params, IUnknown* results) noexcept {
   TRACE(ProcessWmiEntered);
+  TRACE(ProcessWmiLeft, S_OK);
   return S_OK;
 }
 

@@ -54,6 +54,8 @@ class SensorDriver final : public ISensorDriver {
  private:
   enum class Freshness { kFresh, kTimedOut, kNotReady };
   Freshness AwaitFreshData();
+  HRESULT GiveSensorObjects(IPortableDeviceValuesCollection** objects);
+  HRESULT GiveFields(IPortableDeviceKeyCollection* fields, IPortableDeviceValues** values);
   HRESULT ReadFields(IPortableDeviceKeyCollection* fields,
                      const ComPtr<IPortableDeviceValues>& values);
   HRESULT SetSubscribed(IWDFFile* client, bool subscribed);

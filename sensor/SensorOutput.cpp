@@ -34,6 +34,7 @@ ComPtr<ISensorClassExtension> SensorOutput::ClassExtension() {
 void SensorOutput::PostStateChange(SensorState state) {
   const ComPtr<ISensorClassExtension> extension = ClassExtension();
   const HRESULT result = extension ? extension->PostStateChange(sensorId_, state) : S_FALSE;
+  if (FAILED(result)) TRACE(StateChangeNotPosted, result);
   TRACE(StateChangePosted, SensorStateName(static_cast<std::uint32_t>(state)), result);
 }
 
