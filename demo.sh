@@ -9,7 +9,7 @@ build=$root/build/windows-x64
 [ -e "$build/workbench.exe" ] || echo "building; this takes some minutes the first time" >&2
 (cd "$root" && tools/configure windows-x64)
 "$root/tools/quietly" "$root/build/log/windows-x64-build.log" \
-  cmake --build "$build" --target workbench
+  cmake --build "$build" --target workbench tracedecode suplcheck
 
 # Files of this machine are on drive Z: for the program.
 arguments=()
