@@ -42,7 +42,7 @@ std::string OddId(const Entry& entry) {
   return {};
 }
 
-// The tenth digits with which an IMSI of 15 digits matches a short id and is not found.
+// The sixth digits with which an IMSI of 15 digits matches a short id and is not found.
 std::string MissingDigits(const std::string& id, const Ids& ids) {
   std::string missing;
   for (char digit = '0'; digit <= '9'; ++digit) {
