@@ -4,27 +4,13 @@
 
 #include "at/LineAssembler.h"
 #include "tests/fuzz/Fuzz.h"
+#include "tests/fuzz/ReferenceLines.h"
 
 namespace {
 
 constexpr std::string_view kThrowing = "!";  // the sink throws at lines that begin so
 
 struct SinkFailed {};
-
-std::vector<std::string> ReferenceLines(std::string_view stream) {
-  std::vector<std::string> lines;
-  std::string line;
-  for (const char c : stream) {
-    if (c != '\n') {
-      line += c;
-      continue;
-    }
-    while (!line.empty() && line.back() == '\r') line.pop_back();
-    lines.push_back(line);
-    line.clear();
-  }
-  return lines;
-}
 
 /// Feeds a block; true when the sink threw.
 bool Feed(stelvane::LineAssembler& assembler, std::string_view block,
@@ -66,7 +52,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   // The lines behind one at which the sink threw come with the next block, even an empty one.
   while (Feed(assembler, {}, lines)) {
   }
-  fuzz::RequireSameValues("line", lines, ReferenceLines(stream));
+  fuzz::RequireSameValues("line", lines, fuzz::ReferenceLines(stream));
 
   // A cleared assembler starts afresh.
   assembler.Clear();

@@ -8,26 +8,13 @@
 #include <string>
 #include <vector>
 
+#include "tests/fuzz/ReferenceLines.h"
+
 namespace stelvane {
 namespace {
 
 using Lines = std::vector<std::string>;
-
-/// What a reader that sees the whole stream at once makes of it.
-Lines ReferenceLines(std::string_view stream) {
-  Lines lines;
-  std::string line;
-  for (const char c : stream) {
-    if (c != '\n') {
-      line += c;
-      continue;
-    }
-    while (!line.empty() && line.back() == '\r') line.pop_back();
-    lines.push_back(line);
-    line.clear();
-  }
-  return lines;
-}
+using fuzz::ReferenceLines;
 
 /// An assembler with the lines that it has handed on. When `failing`, every second line throws.
 struct Receiver {
