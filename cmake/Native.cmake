@@ -9,11 +9,15 @@ endif()
 set(windows_only_sources
   driver/CxxExceptions.cpp driver/CxxRuntime.cpp driver/DllMain.cpp modem/SuplConfigFile.cpp
   modem/SuplDocument.cpp)
-set(windows_only_tests acceptance platform bench_imports bench_rules trace modem suplcheck)
+set(skipped_groups acceptance platform bench_imports bench_rules trace modem suplcheck)
 # Tests of the whole driver that ask for what only the DLL has: imports that fail, a registry, the
 # module itself, a configuration file.
 string(JOIN "|" needs_the_dll "[Ff]aults\\(\\)" "Registry\\(\\)" "module\\(\\)"
   systemRoot "SuplTest\\.h" TraceOptions)
+# Tests that run on one thread say nothing to ThreadSanitizer.
+if(STELVANE_SANITIZE MATCHES "thread")
+  list(APPEND skipped_groups at_parsers bench_modem bench_record bench_sensorapi bench_trace)
+endif()
 set(native_bench_rooms clock framework sensorapi modem record trace)
 
 # Everything is compiled alike, GoogleTest too: half a sanitized program reports what is not there.
@@ -112,7 +116,7 @@ file(GLOB groups CONFIGURE_DEPENDS LIST_DIRECTORIES true ${PROJECT_SOURCE_DIR}/t
 foreach(group IN LISTS groups)
   get_filename_component(group_name ${group} NAME)
   portable_sources(sources tests/unit/${group_name})
-  if(sources AND NOT group_name IN_LIST windows_only_tests)
+  if(sources AND NOT group_name IN_LIST skipped_groups)
     add_native_test(unit_${group_name} stelvane_native ${sources})
   endif()
 endforeach()
