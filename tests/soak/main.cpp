@@ -52,7 +52,8 @@ void ShowReplay(const Options& options, const Plan& plan, const Result& result) 
 
 void ShowSum(const Tally& sum) {
   std::printf(
-      "%zu seeds, %.2f simulated days: %zu decisions, %zu requests, %zu commands, %zu fixes, "
+      "in all %zu seeds, %.2f simulated days: %zu decisions, %zu requests, %zu commands, %zu "
+      "fixes, "
       "%zu reports, %zu states; %zu violations\n",
       sum.seeds, static_cast<double>(sum.simulated) / 86'400'000, sum.decisions, sum.requests,
       sum.commands, sum.fixes, sum.reports, sum.states, sum.breaches);

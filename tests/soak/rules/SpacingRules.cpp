@@ -169,7 +169,9 @@ void SpacingRules::Confirm() {
     possible_.erase(kFastest);
   }
   if (possible_.empty()) possible_.insert(required);
-  if (started && !StartIsSure()) possible_.insert(kNone);
+  // A start that failed leaves no interval, until one does not fail.
+  if (started) startFailed_ = !StartIsSure();
+  if (startFailed_) possible_.insert(kNone);
   fakeAdded_ = false;
   refreshAt_.reset();
   since_.reset();

@@ -92,6 +92,7 @@ class SpacingRules {
   int startWrites_ = 0;
   bool startIsLast_ = false;
   bool startAccepted_ = false;
+  bool startFailed_ = false;  // the last one whose end is known, as far as one can see
 
   Millis readyAt_ = -1;
   std::optional<std::int64_t> lastFixTime_;
