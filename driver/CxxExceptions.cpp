@@ -124,7 +124,7 @@ void WINAPI OnLoaderCall(void*, DWORD reason, void*) {
 // ---- The exceptions themselves.
 
 // More than the library's header before an exception, which no public header tells the size of
-// (128 bytes or so), and than anything that is thrown here.
+// (160 bytes for 64 bits, 96 for 32), and than anything that is thrown here.
 constexpr std::size_t kHeader = 256;
 constexpr std::size_t kLargest = 64;
 constexpr std::size_t kExceptions = 16;
@@ -139,8 +139,8 @@ constinit Pool<ExceptionBlock, kExceptions> exceptions;
 
 // The section's name puts it into the loader's list, after the compiler's own.
 extern "C" {
-extern const PIMAGE_TLS_CALLBACK stelvaneLoaderCall;
-__attribute__((section(".CRT$XLF"), used)) const PIMAGE_TLS_CALLBACK stelvaneLoaderCall =
+extern const PIMAGE_TLS_CALLBACK kStelvaneLoaderCall;
+__attribute__((section(".CRT$XLF"), used)) const PIMAGE_TLS_CALLBACK kStelvaneLoaderCall =
     &OnLoaderCall;
 }
 
