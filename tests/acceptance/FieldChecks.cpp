@@ -8,7 +8,7 @@ namespace bench::acceptance {
 
 namespace {
 
-constexpr Millis kInterval = 1000;
+constexpr Millis kFieldInterval = 1000;
 constexpr VARTYPE kBytes = VT_VECTOR | VT_UI1;
 
 struct Field {
@@ -49,8 +49,8 @@ VARTYPE TypeIn(const SensorAnswer& answer, const PROPERTYKEY& key) {
 }
 
 Faults InEventAndRead(Stand& stand, const Field& field, VARTYPE expected) {
-  const Client client = stand.Subscriber(kInterval);
-  if (!stand.WaitForNextReport(*client, kInterval)) return {"there is no report"};
+  const Client client = stand.Subscriber(kFieldInterval);
+  if (!stand.WaitForNextReport(*client, kFieldInterval)) return {"there is no report"};
   const Report event = client->Reports().back();
   const SensorAnswer read = client->ReadData({field.key});
   return JudgeType("in the event it", expected,
@@ -63,10 +63,10 @@ Faults HasType(Stand& stand, const Field& field) {
   Faults known = InEventAndRead(stand, field, field.type);
   if (!field.mayBeAbsent) return known;
   stand.sky().extras = false;
-  stand.Pass(kInterval);
+  stand.Pass(kFieldInterval);
   const Faults absent = InEventAndRead(stand, field, VT_EMPTY);
   stand.sky().extras = true;
-  stand.Pass(kInterval);
+  stand.Pass(kFieldInterval);
   return std::move(known) + absent;
 }
 

@@ -6,7 +6,7 @@ namespace bench::acceptance {
 
 namespace {
 
-constexpr Millis kInterval = 1000;
+constexpr Millis kRequestInterval = 1000;
 constexpr PROPERTYKEY kLatitude = LocationKey(2);
 
 Faults EachOperation(Stand& stand) {
@@ -20,9 +20,10 @@ Faults EachOperation(Stand& stand) {
   const SensorAnswer events = client->SupportedEvents();
   expect("the events' list", events.result);
   faults = faults + Unless(events.events.size() == 2, "there are not two events");
-  expect("a setting", client->SetReportInterval(kInterval).call);
+  expect("a setting", client->SetReportInterval(kRequestInterval).call);
   expect("a subscription", client->Subscribe());
-  if (!stand.WaitForNextReport(*client, kInterval)) faults.emplace_back("there is no report");
+  if (!stand.WaitForNextReport(*client, kRequestInterval))
+    faults.emplace_back("there is no report");
   expect("a read of properties", client->GetProperties(client->SupportedProperties().keys).result);
   expect("a read of data", client->ReadData(client->SupportedDataFields().keys).result);
   expect("the end of the subscription", client->Unsubscribe());
@@ -58,8 +59,8 @@ Faults RefusedSettings(Stand& stand) {
 }
 
 Faults MixedData(Stand& stand) {
-  const Client client = stand.Subscriber(kInterval);
-  if (!stand.WaitForNextReport(*client, kInterval)) return {"there is no report"};
+  const Client client = stand.Subscriber(kRequestInterval);
+  if (!stand.WaitForNextReport(*client, kRequestInterval)) return {"there is no report"};
   const SensorAnswer answer = client->ReadData({kUnknownKey, kLatitude});
   if (!answer.values) return {"there is no answer"};
   return Unless(answer.result == S_OK, "the call does not succeed") +
@@ -88,12 +89,12 @@ Faults ReadOnItsWayAtTheEnd(Stand& stand) {
 
 Faults ComesBack(Stand& stand) {
   {
-    const Client client = stand.Subscriber(kInterval);
-    if (!stand.WaitForNextReport(*client, kInterval)) return {"there is no report before"};
+    const Client client = stand.Subscriber(kRequestInterval);
+    if (!stand.WaitForNextReport(*client, kRequestInterval)) return {"there is no report before"};
   }
   if (FAILED(stand.Restart())) return {"the device does not come back"};
-  const Client client = stand.Subscriber(kInterval);
-  if (!stand.WaitForNextReport(*client, kInterval)) return {"there is no report afterwards"};
+  const Client client = stand.Subscriber(kRequestInterval);
+  if (!stand.WaitForNextReport(*client, kRequestInterval)) return {"there is no report afterwards"};
   return JudgePositions(client->Reports());
 }
 

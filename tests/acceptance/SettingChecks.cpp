@@ -22,21 +22,21 @@ Faults Refused(const Client& client, const PROPERTYKEY& key, const Variant& valu
 }
 
 Faults IntervalPerClient(Stand& stand) {
-  constexpr PROPERTYKEY kInterval = CommonKey(13);
+  constexpr PROPERTYKEY kIntervalKey = CommonKey(13);
   const Client fast = stand.Subscriber(3000);
   const Client slow = stand.Subscriber(7000);
-  Faults faults = ReadsAs(fast, kInterval, Variant::Ui4(3000), "with both") +
-                  ReadsAs(slow, kInterval, Variant::Ui4(3000), "with both, to the slow one,");
+  Faults faults = ReadsAs(fast, kIntervalKey, Variant::Ui4(3000), "with both") +
+                  ReadsAs(slow, kIntervalKey, Variant::Ui4(3000), "with both, to the slow one,");
   fast->Unsubscribe();
   stand.Settle();
-  faults = faults + ReadsAs(slow, kInterval, Variant::Ui4(7000), "with the slow one alone");
+  faults = faults + ReadsAs(slow, kIntervalKey, Variant::Ui4(7000), "with the slow one alone");
   fast->Subscribe();
   stand.Settle();
-  faults = faults + ReadsAs(slow, kInterval, Variant::Ui4(3000), "with the fast one again");
+  faults = faults + ReadsAs(slow, kIntervalKey, Variant::Ui4(3000), "with the fast one again");
   fast->Unsubscribe();
   slow->Unsubscribe();
   stand.Settle();
-  return faults + ReadsAs(slow, kInterval, Variant::Ui4(0), "with nobody subscribed");
+  return faults + ReadsAs(slow, kIntervalKey, Variant::Ui4(0), "with nobody subscribed");
 }
 
 Faults IntervalRange(Stand& stand) {

@@ -7,7 +7,7 @@ namespace bench::acceptance {
 namespace {
 
 constexpr Millis kHour = 3'600'000;
-constexpr Millis kInterval = 5000;
+constexpr Millis kStateInterval = 5000;
 constexpr SensorState kReady = SENSOR_STATE_READY;
 constexpr SensorState kNoData = SENSOR_STATE_NO_DATA;
 constexpr SensorState kInitializing = SENSOR_STATE_INITIALIZING;
@@ -50,12 +50,12 @@ Faults ReadyAfterAFix(Stand& stand) {
   Faults faults;
   {
     const NoReception none(stand);
-    client = stand.Subscriber(kInterval);
+    client = stand.Subscriber(kStateInterval);
     stand.Pass(60'000);
     faults = JudgeStates(StatesSince(stand, mark), {kInitializing}) +
              Unless(client->Reports().empty(), "there is a report without a fix");
   }
-  stand.WaitForNextReport(*client, kInterval);
+  stand.WaitForNextReport(*client, kStateInterval);
   stand.Pass(60'000);
   const auto states = StatesSince(stand, mark);
   return faults + JudgeStates(states, {kInitializing, kReady}) +
@@ -65,8 +65,8 @@ Faults ReadyAfterAFix(Stand& stand) {
 Faults FixWithoutRadius(Stand& stand) {
   if (FAILED(stand.Restart())) return {"the device does not come back"};
   stand.sky().errorRadius = false;
-  const Client client = stand.Subscriber(kInterval);
-  const bool came = stand.WaitForNextReport(*client, kInterval);
+  const Client client = stand.Subscriber(kStateInterval);
+  const bool came = stand.WaitForNextReport(*client, kStateInterval);
   stand.sky().errorRadius = true;
   if (!came) return {"there is no report"};
   const Report report = client->Reports().back();
@@ -82,8 +82,8 @@ Faults DataHasAPosition(Stand& stand) {
 
 // The modem's request has ended with its client, and nothing of it is on the way any more.
 bool LetTheModemRest(Stand& stand) {
-  const Client client = stand.Subscriber(kInterval);
-  const bool came = stand.WaitForNextReport(*client, kInterval);
+  const Client client = stand.Subscriber(kStateInterval);
+  const bool came = stand.WaitForNextReport(*client, kStateInterval);
   stand.Settle();
   return came;
 }
@@ -98,7 +98,7 @@ Faults CutReport(Stand& stand) {
   stand.Settle();
   if (FAILED(stand.Restart())) return {"the device does not come back"};
   const NoReception none(stand);
-  const Client client = stand.Subscriber(kInterval);
+  const Client client = stand.Subscriber(kStateInterval);
   SayCutReport(stand);
   return Unless(stand.State() == kInitializing, "the sensor is not initializing") +
          Unless(client->Reports().empty(), "there is a report");
@@ -106,8 +106,8 @@ Faults CutReport(Stand& stand) {
 
 Faults CutReportBehindALateOne(Stand& stand) {
   {
-    const Client client = stand.Subscriber(kInterval);
-    if (!stand.WaitForNextReport(*client, kInterval)) return {"there is no report before"};
+    const Client client = stand.Subscriber(kStateInterval);
+    if (!stand.WaitForNextReport(*client, kStateInterval)) return {"there is no report before"};
     stand.rig().modem().Inject({.reactions = {{.command = "AT+XLSRSTOP",
                                                .reaction = Reaction::kStraggle,
                                                .count = 1,
@@ -115,8 +115,8 @@ Faults CutReportBehindALateOne(Stand& stand) {
   }
   stand.Settle();
   const NoReception none(stand);
-  const Client client = stand.Subscriber(kInterval);
-  stand.Pass(3 * kInterval);  // the fix counts as lost
+  const Client client = stand.Subscriber(kStateInterval);
+  stand.Pass(3 * kStateInterval);  // the fix counts as lost
   const std::size_t before = client->Reports().size();
   SayCutReport(stand);
   return Unless(client->Reports().size() == before + 1, "there is not one report") +
@@ -127,7 +127,7 @@ Faults CutReportBehindALateOne(Stand& stand) {
 Faults EmptyPosition(Stand& stand) {
   if (FAILED(stand.Restart())) return {"the device does not come back"};
   const NoReception none(stand);
-  const Client client = stand.Subscriber(kInterval);
+  const Client client = stand.Subscriber(kStateInterval);
   stand.Settle();
   const std::string report = "+XLCSLSR: 0,,,12,2014/7/3,12:30:00" + std::string(54, ',') + "0";
   for (const std::string& line :
@@ -193,25 +193,25 @@ Faults EngineGivesUp(Stand& stand) {
   Client client;
   {
     const NoReception none(stand);
-    client = stand.Subscriber(kInterval);
+    client = stand.Subscriber(kStateInterval);
     stand.Pass(60'000);
     stand.Say("+XLCSLSR: ERROR: no position");
   }
   Faults faults = JudgeStates(StatesSince(stand, mark), {kInitializing, kNoData});
-  if (!stand.WaitForNextReport(*client, kInterval)) faults.push_back("no report comes");
+  if (!stand.WaitForNextReport(*client, kStateInterval)) faults.push_back("no report comes");
   return faults + JudgeStates(StatesSince(stand, mark), {kInitializing, kNoData, kReady});
 }
 
 Faults RadioOff(Stand& stand) {
-  const Client client = stand.Subscriber(kInterval);
-  if (!stand.WaitForNextReport(*client, kInterval)) return {"there is no report"};
+  const Client client = stand.Subscriber(kStateInterval);
+  if (!stand.WaitForNextReport(*client, kStateInterval)) return {"there is no report"};
   const std::size_t mark = Mark(stand);
   Faults faults = Unless(stand.SwitchRadio(false) == S_OK, "the radio is not switched off");
   const std::size_t reports = client->Reports().size();
   stand.Pass(60'000);
   faults = faults + Unless(client->Reports().size() == reports, "there is a report");
   faults = faults + Unless(stand.SwitchRadio(true) == S_OK, "the radio is not switched on");
-  if (!stand.WaitForNextReport(*client, kInterval)) faults.push_back("no report comes again");
+  if (!stand.WaitForNextReport(*client, kStateInterval)) faults.push_back("no report comes again");
   return faults + JudgeStates(StatesSince(stand, mark), {kNotAvailable, kNoData, kReady});
 }
 
@@ -232,11 +232,11 @@ Checks StateChecks() {
        "reported as 0, 0: a field that the modem leaves empty reads so"},
       {"read without a fix", "fails in time, without values", ReadWithoutAFix},
       {"fix lost and found, 5 s", "initializing, and ready again",
-       [](Stand& stand) { return LossAndReturn(stand, kInterval); }},
+       [](Stand& stand) { return LossAndReturn(stand, kStateInterval); }},
       {"fix lost and found, 61 s", "initializing, and ready again",
        [](Stand& stand) { return LossAndReturn(stand, 61'000); }},
       {"six hours without a fix, 5 s", "initializing without limit while a client waits",
-       [](Stand& stand) { return WaitsForHours(stand, kInterval); }},
+       [](Stand& stand) { return WaitsForHours(stand, kStateInterval); }},
       {"six hours without a fix, 61 s", "initializing without limit while a client waits",
        [](Stand& stand) { return WaitsForHours(stand, 61'000); }},
       {"the engine gives up", "initializing without limit while a client waits", EngineGivesUp,

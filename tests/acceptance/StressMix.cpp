@@ -9,14 +9,14 @@ namespace bench::acceptance {
 namespace {
 
 constexpr Millis kRounds = 10;
-constexpr Millis kInterval = 2000;
+constexpr Millis kStressInterval = 2000;
 
 Faults Delivers(Stand& stand, const Client& client) {
-  return Unless(stand.WaitForNextReport(*client, kInterval), "no report comes afterwards");
+  return Unless(stand.WaitForNextReport(*client, kStressInterval), "no report comes afterwards");
 }
 
 Faults Radio(Stand& stand) {
-  const Client client = stand.Subscriber(kInterval);
+  const Client client = stand.Subscriber(kStressInterval);
   Faults faults;
   for (Millis round = 0; round < kRounds; ++round) {
     for (const bool on : {false, true}) {
@@ -31,16 +31,16 @@ Faults DisableAndEnable(Stand& stand) {
   Faults faults;
   for (Millis round = 0; round < kRounds; ++round) {
     {
-      const Client client = stand.Subscriber(kInterval);
+      const Client client = stand.Subscriber(kStressInterval);
       stand.Pass(700 * round);
     }
     if (FAILED(stand.Restart())) faults.emplace_back("the device does not come back");
   }
-  return faults + Delivers(stand, stand.Subscriber(kInterval));
+  return faults + Delivers(stand, stand.Subscriber(kStressInterval));
 }
 
 Faults Standby(Stand& stand) {
-  const Client client = stand.Subscriber(kInterval);
+  const Client client = stand.Subscriber(kStressInterval);
   Faults faults;
   for (Millis round = 0; round < kRounds; ++round) {
     stand.Pass(900 * round);
@@ -67,7 +67,7 @@ Faults ManyClients(Stand& stand) {
   }
   clients.clear();
   stand.Settle();
-  const Client client = stand.Subscriber(kInterval);
+  const Client client = stand.Subscriber(kStressInterval);
   return Delivers(stand, client) +
          Unless(stand.rig().host().OpenRequests() == 0, "a request is left open");
 }
@@ -76,14 +76,14 @@ Faults PulledOut(Stand& stand) {
   Faults faults;
   for (Millis round = 0; round < kRounds; ++round) {
     {
-      const Client client = stand.Subscriber(kInterval);
+      const Client client = stand.Subscriber(kStressInterval);
       stand.Pass(300 * round);
       stand.PullOut();
       client->ReadData({LocationKey(2)});  // of one that does not know yet
     }
     if (FAILED(stand.PlugIn())) faults.emplace_back("the device does not come back");
   }
-  return faults + Delivers(stand, stand.Subscriber(kInterval));
+  return faults + Delivers(stand, stand.Subscriber(kStressInterval));
 }
 
 }  // namespace

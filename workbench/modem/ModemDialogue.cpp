@@ -9,7 +9,6 @@ namespace bench {
 namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
-constexpr std::size_t kGarbageLength = 16;
 
 std::string Line(std::string_view text) {
   return std::string(kLineEnd).append(text).append(kLineEnd);

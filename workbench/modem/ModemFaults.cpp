@@ -33,7 +33,6 @@ constexpr std::array<ActionEntry, 9> kActions = {{
     {"join", ModemAction::kJoin, Argument::kMillis},
     {"stall-control", ModemAction::kStallControl, Argument::kCount},
 }};
-constexpr std::int64_t kGarbageLength = 16;
 
 struct ReactionEntry {
   std::string_view name;

@@ -72,6 +72,9 @@ struct TimedFault {
 
 enum class Reaction { kSilence, kError, kLate, kTwice, kGarbage, kNoEcho, kStraggle };
 
+/// Bytes of a line of garbage when a script does not say.
+inline constexpr int kGarbageLength = 16;
+
 inline constexpr std::int64_t kAlways = INT64_MAX;
 
 struct CommandFault {

@@ -9,7 +9,7 @@
 namespace bench {
 namespace {
 
-std::string_view BytesOf(IWDFMemory* memory) {
+std::string_view MemoryBytes(IWDFMemory* memory) {
   if (memory == nullptr) return {};
   SIZE_T size = 0;
   const void* const bytes = memory->GetDataBuffer(&size);
@@ -45,7 +45,7 @@ HRESULT STDMETHODCALLTYPE ClassExtension::ProcessIoControl(IWDFIoRequest* reques
       request->GetInputMemory(input.Put());
       ComPtr<IWDFFile> file;
       request->GetFileObject(file.Put());
-      const auto message = DecodeRequest(BytesOf(input.Get()));
+      const auto message = DecodeRequest(MemoryBytes(input.Get()));
       result = message && file ? PutAnswer(*request, Serve(file.Get(), *message), &written)
                                : E_INVALIDARG;
     }

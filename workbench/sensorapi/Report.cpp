@@ -7,8 +7,6 @@
 namespace bench {
 namespace {
 
-constexpr VARTYPE kBytes = VT_VECTOR | VT_UI1;
-
 constexpr PROPERTYKEY Location(DWORD pid) {
   return {keys::kLocationSet, pid};
 }

@@ -8,8 +8,6 @@
 namespace bench {
 namespace {
 
-constexpr VARTYPE kBytes = VT_VECTOR | VT_UI1;
-
 class Writer {
  public:
   template <class T>

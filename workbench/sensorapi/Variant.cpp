@@ -9,8 +9,6 @@
 namespace bench {
 namespace {
 
-constexpr VARTYPE kBytes = VT_VECTOR | VT_UI1;
-
 std::size_t LengthWithTerminator(const WCHAR* text) {
   std::size_t length = 0;
   while (text[length] != 0) ++length;

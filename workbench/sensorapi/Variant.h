@@ -13,6 +13,9 @@
 
 namespace bench {
 
+/// A blob, in the platform's type.
+inline constexpr VARTYPE kBytes = VT_VECTOR | VT_UI1;
+
 /// Copies `source` into `target` (not initialised before) so that the two share nothing but
 /// counted objects. Known types: VT_EMPTY, VT_BOOL, VT_I4, VT_UI4, VT_I8, VT_UI8, VT_R4, VT_R8,
 /// VT_ERROR, VT_CLSID, VT_LPWSTR, VT_FILETIME, VT_VECTOR|VT_UI1 and VT_UNKNOWN. Any other gives

@@ -8,7 +8,7 @@ namespace soak {
 namespace {
 
 constexpr Millis kAttemptTime = 1000;
-constexpr Millis kUnderWay = 1400;  // a command, its silence and a pause between two
+constexpr Millis kCommandUnderWay = 1400;  // a command, its silence and a pause between two
 constexpr int kAttempts = 7;
 constexpr Millis kLeaving = 10'000;  // from the last client's leaving to the last command's end
 
@@ -43,13 +43,13 @@ bool EngineUseRules::MayHaveEnded(bool sure) const {
 
 void EngineUseRules::Written(Millis at, std::string_view line, bool sure) {
   // A use is taken before the command waits for its turn, and may be lost meanwhile.
-  const bool waited = at - lastWritten_ <= kUnderWay;
+  const bool waited = at - lastWritten_ <= kCommandUnderWay;
   if (holds_ == 0 && !(waited && MayHaveEnded(sure))) {
     breaches_.Add("engine-use-talking", at,
                   '"' + std::string(line) + "\" is written to a device that may idle");
   }
-  const bool again = at - lastWritten_ >= kAttemptTime && at - lastWritten_ <= kUnderWay;
-  if (at - lastWritten_ > kUnderWay) calmSince_ = at;
+  const bool again = at - lastWritten_ >= kAttemptTime && at - lastWritten_ <= kCommandUnderWay;
+  if (at - lastWritten_ > kCommandUnderWay) calmSince_ = at;
   lastWritten_ = at;
   if (line.starts_with("AT+XLCSLSR=")) {
     startWrites_ = starting_ && again ? startWrites_ + 1 : 1;

@@ -6,9 +6,6 @@
 namespace bench {
 namespace {
 
-constexpr const char* kOk = "\r\nOK\r\n";
-constexpr const char* kError = "\r\nERROR\r\n";
-
 /// A host that has switched the echo on.
 class EchoingHost : public ModemHost {
  public:

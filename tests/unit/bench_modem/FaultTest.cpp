@@ -7,10 +7,6 @@
 namespace bench {
 namespace {
 
-constexpr const char* kOk = "\r\nOK\r\n";
-constexpr const char* kError = "\r\nERROR\r\n";
-constexpr const char* kEverySecond = "AT+XLCSLSR=1,1,,,,,1,,,2,,";
-
 ModemFaults Script(std::string_view text) {
   auto faults = ParseFaults(text, "script");
   EXPECT_EQ(faults.error, "");

@@ -7,10 +7,7 @@
 namespace bench {
 namespace {
 
-constexpr const char* kOk = "\r\nOK\r\n";
-constexpr const char* kError = "\r\nERROR\r\n";
 constexpr const char* kSingle = "AT+XLCSLSR=1,1,,,,,,,,2,,";
-constexpr const char* kEverySecond = "AT+XLCSLSR=1,1,,,,,1,,,2,,";
 constexpr const char* kEvery5Seconds = "AT+XLCSLSR=1,1,,,,,5,,,2,,";
 constexpr const char* kLastLines = "second*00\r\n\r\nOK\r\n";
 

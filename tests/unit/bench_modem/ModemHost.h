@@ -13,6 +13,10 @@
 
 namespace bench {
 
+inline constexpr const char* kOk = "\r\nOK\r\n";
+inline constexpr const char* kError = "\r\nERROR\r\n";
+inline constexpr const char* kEverySecond = "AT+XLCSLSR=1,1,,,,,1,,,2,,";
+
 /// A track with a fix at every moment but those of one gap.
 class SteadyTrack final : public TrackSource {
  public:

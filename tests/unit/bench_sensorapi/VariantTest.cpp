@@ -5,10 +5,10 @@
 namespace bench {
 namespace {
 
-constexpr GUID kGuid = {0x12345678, 0x9abc, 0xdef0, {1, 2, 3, 4, 5, 6, 7, 8}};
-constexpr BYTE kSomeBytes[] = {0, 255, 7};
+constexpr GUID kAnyGuid = {0x12345678, 0x9abc, 0xdef0, {1, 2, 3, 4, 5, 6, 7, 8}};
+constexpr BYTE kAnyBytes[] = {0, 255, 7};
 
-std::vector<Variant> OneOfEachType() {
+std::vector<Variant> VariantOfEachType() {
   return {Variant(),
           Variant::Bool(true),
           Variant::I4(-5),
@@ -19,13 +19,13 @@ std::vector<Variant> OneOfEachType() {
           Variant::R8(-48.25),
           Variant::Error(E_ACCESSDENIED),
           Variant::FileTime({.dwLowDateTime = 7, .dwHighDateTime = 9}),
-          Variant::Guid(kGuid),
+          Variant::Guid(kAnyGuid),
           Variant::String("text"),
-          Variant::Bytes(kSomeBytes)};
+          Variant::Bytes(kAnyBytes)};
 }
 
 TEST(Variant, ACopyOfEachTypeIsEqualAndOfTheSameType) {
-  for (const Variant& original : OneOfEachType()) {
+  for (const Variant& original : VariantOfEachType()) {
     const Variant copy = original;
     EXPECT_EQ(copy.Type(), original.Type());
     EXPECT_TRUE(copy == original) << original.Type();
@@ -33,7 +33,7 @@ TEST(Variant, ACopyOfEachTypeIsEqualAndOfTheSameType) {
 }
 
 TEST(Variant, ValuesOfDifferentTypesAreNeverEqual) {
-  const std::vector<Variant> all = OneOfEachType();
+  const std::vector<Variant> all = VariantOfEachType();
   for (std::size_t i = 0; i < all.size(); ++i) {
     for (std::size_t j = 0; j < all.size(); ++j) EXPECT_EQ(all[i] == all[j], i == j);
   }
@@ -41,15 +41,15 @@ TEST(Variant, ValuesOfDifferentTypesAreNeverEqual) {
 
 TEST(Variant, ACopySharesNoMemory) {
   const Variant text = Variant::String("text");
-  const Variant guid = Variant::Guid(kGuid);
-  const Variant bytes = Variant::Bytes(kSomeBytes);
+  const Variant guid = Variant::Guid(kAnyGuid);
+  const Variant bytes = Variant::Bytes(kAnyBytes);
   EXPECT_NE(Variant(text).Get().pwszVal, text.Get().pwszVal);
   EXPECT_NE(Variant(guid).Get().puuid, guid.Get().puuid);
   EXPECT_NE(Variant(bytes).Get().caub.pElems, bytes.Get().caub.pElems);
 }
 
 TEST(Variant, ChangingTheCopyLeavesTheOriginal) {
-  const Variant original = Variant::Bytes(kSomeBytes);
+  const Variant original = Variant::Bytes(kAnyBytes);
   const Variant copy = original;
   copy.Get().caub.pElems[0] = 99;
   EXPECT_EQ(original.Get().caub.pElems[0], 0);

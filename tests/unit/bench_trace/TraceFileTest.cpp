@@ -10,15 +10,16 @@ namespace {
 using testing::HasSubstr;
 using testing::SizeIs;
 
-constexpr GUID kGuid = {
+constexpr GUID kMessage = {
     0x3f0c8f52, 0x6a1d, 0x4c57, {0x9d, 0x0e, 0x51, 0xb7, 0xa2, 0xc4, 0xe6, 0xd8}};
 
 std::string TwoMessages() {
   return TraceFileHead(0x01D0000000000001) +
-         TraceFileRecord({.time = 5, .thread = 7, .message = kGuid, .number = 10, .flags = 0x2B}) +
+         TraceFileRecord(
+             {.time = 5, .thread = 7, .message = kMessage, .number = 10, .flags = 0x2B}) +
          TraceFileRecord({.time = 6000,
                           .thread = 8,
-                          .message = kGuid,
+                          .message = kMessage,
                           .number = 0xFFFF,
                           .arguments = {1, 2, 3}});
 }
@@ -34,7 +35,7 @@ TEST(TraceFile, IsReadAsItWasWritten) {
   EXPECT_EQ(first.thread, 7U);
   EXPECT_EQ(first.number, 10);
   EXPECT_EQ(first.flags, 0x2BU);
-  EXPECT_EQ(first.message, kGuid);
+  EXPECT_EQ(first.message, kMessage);
   const TraceRecord& second = trace.value->records[1];
   EXPECT_EQ(second.time, 6000);
   EXPECT_EQ(second.number, 0xFFFF);
