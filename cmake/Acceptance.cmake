@@ -5,6 +5,7 @@ list(REMOVE_ITEM acceptance_sources ${acceptance_main})
 add_library(acceptance_parts STATIC
   ${acceptance_sources} ${PROJECT_SOURCE_DIR}/workbench/Console.cpp)
 target_link_libraries(acceptance_parts PUBLIC stelvane_settings)
+set_target_properties(acceptance_parts PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 6)
 
 add_executable(acceptance ${acceptance_main})
 target_link_libraries(acceptance PRIVATE acceptance_parts bench_all)

@@ -7,6 +7,8 @@ foreach(room IN LISTS bench_rooms)
   if(sources)
     add_library(bench_${room} STATIC ${sources})
     target_link_libraries(bench_${room} PUBLIC stelvane_settings)
+    # Compiled together: on a fresh clone most of the time goes into the same headers.
+    set_target_properties(bench_${room} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 12)
     list(APPEND bench_libraries bench_${room})
   endif()
 endforeach()
