@@ -333,6 +333,26 @@ TEST_F(SensorPropertyCallTest, MissingArgumentsAreInvalid) {
   EXPECT_EQ(Sensor().OnGetSupportedSensorObjects(nullptr), E_INVALIDARG);
   EXPECT_EQ(Sensor().OnGetSupportedProperties(id, nullptr), E_INVALIDARG);
   EXPECT_EQ(Sensor().OnGetSupportedEvents(id, nullptr, nullptr), E_INVALIDARG);
+  GUID* events = nullptr;
+  EXPECT_EQ(Sensor().OnGetSupportedEvents(id, &events, nullptr), E_INVALIDARG);
+  EXPECT_EQ(events, nullptr);
+  EXPECT_EQ(Sensor().QueryInterface(iidOf<IUnknown>, nullptr), E_POINTER);
+}
+
+TEST_F(SensorPropertyCallTest,
+       ValuesThatCannotBeCountedEndTheWriteAndOneThatCannotBeReadIsPassedOver) {
+  WCHAR id[] = L"";
+  const auto values = OneValue(Driver(4), 9);
+  stelvane::ComPtr<IPortableDeviceValues> results;
+  rig().calls().FailCall("IPortableDeviceValues::GetCount", 1, E_ABORT);
+  EXPECT_EQ(Sensor().OnSetProperties(nullptr, id, values.Get(), results.Put()), E_ABORT);
+  EXPECT_FALSE(results);
+  rig().calls().FailCall("IPortableDeviceValues::GetAt", 1, E_ABORT);
+  EXPECT_EQ(Sensor().OnSetProperties(nullptr, id, values.Get(), results.Put()), S_OK);
+  ASSERT_TRUE(results);
+  DWORD count = 1;
+  EXPECT_EQ(results->GetCount(&count), S_OK);
+  EXPECT_EQ(count, 0U);
 }
 
 }  // namespace

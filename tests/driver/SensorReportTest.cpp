@@ -1,5 +1,7 @@
 // What a fix becomes: the 23 data fields, and which fixes are reported.
 
+#include <vector>
+
 #include "tests/driver/SensorTest.h"
 #include "workbench/modem/ReportWriter.h"
 
@@ -311,6 +313,26 @@ TEST_F(SensorReport, AContainerThatCannotBeMadeCostsThatReportOnly) {
   RunUntil(2000);
   SayFix();
   EXPECT_THAT(ReportTimes(), ElementsAre(2000));
+}
+
+TEST_F(SensorReport, AReportThatCannotBeFilledIsNotPostedAndTheNextOneIs) {
+  StartSensor();
+  client_ = Subscriber(5000);
+  SayFix();
+  std::vector<Millis> reported = ReportTimes();
+  for (const char* call :
+       {"CoCreateInstance(PortableDeviceValues)", "IPortableDeviceValues::SetGuidValue",
+        "IPortableDeviceValuesCollection::Add", "IPortableDeviceKeyCollection::Add"}) {
+    SCOPED_TRACE(call);
+    RunFor(5000);
+    rig().calls().FailCall(call, 1, E_OUTOFMEMORY);
+    SayFix();
+    EXPECT_EQ(ReportTimes(), reported);
+    RunFor(1000);
+    reported.push_back(clock_.Now());
+    SayFix();
+    EXPECT_EQ(ReportTimes(), reported);
+  }
 }
 
 }  // namespace

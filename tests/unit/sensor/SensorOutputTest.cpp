@@ -1,9 +1,10 @@
-// The way out, and power changes, of a sensor that has nobody to talk to.
+// The way out, power changes and the radio of a sensor that has nobody to talk to.
 
 #include "sensor/SensorOutput.h"
 
 #include <gtest/gtest.h>
 
+#include "sensor/RadioControl.h"
 #include "sensor/SensorCore.h"
 
 namespace stelvane {
@@ -35,6 +36,16 @@ TEST(SensorPowerTest, WithoutAModemNeitherWayWorks) {
   ASSERT_EQ(CreateObject(core), S_OK);
   EXPECT_EQ(core->PowerUp(), E_FAIL);
   EXPECT_EQ(core->PowerDown(), E_FAIL);
+}
+
+TEST(SensorRadioTest, WithoutAModemTheRadioIsNeitherReadNorSwitched) {
+  ComPtr<SensorCore> core;
+  ASSERT_EQ(CreateObject(core), S_OK);
+  // The request is not looked at.
+  EXPECT_EQ(ReadRadioState(*core.Get(), nullptr, RadioValue::kCurrent), E_FAIL);
+  EXPECT_EQ(ReadRadioState(*core.Get(), nullptr, RadioValue::kPrevious), E_FAIL);
+  EXPECT_EQ(SetRadioState(*core.Get(), nullptr, false), E_FAIL);
+  EXPECT_EQ(SetRadioState(*core.Get(), nullptr, true), E_FAIL);
 }
 
 }  // namespace
