@@ -95,6 +95,14 @@ TEST_F(AtCommand, AfterAFailedReopeningTheNextCommandOpensTheChannelItself) {
   EXPECT_EQ(SwitchRadio(0), S_OK);
 }
 
+TEST_F(AtCommand, AReopenedPortThatCannotBeReadEndsTheAttemptsWithATimeOut) {
+  StartQuietly();
+  modem_->Answer(kSwitchOn, Silence());
+  rig_->calls().FailCall("IWDFIoTargetStateManagement::Start", 1, E_FAIL);
+  EXPECT_EQ(SwitchRadio(0), kNoAnswer);
+  EXPECT_THAT(Commands(), SizeIs(3));
+}
+
 TEST_F(AtCommand, AfterAReopeningWithAStalledControlRequestTheNextCommandOpensTheChannelItself) {
   StartQuietly();
   modem_->Answer(kSwitchOn, {Silence(), Silence(), Silence(), Ok()});

@@ -10,6 +10,7 @@ namespace bench {
 namespace {
 
 using testing::ElementsAre;
+using testing::IsEmpty;
 using testing::IsSupersetOf;
 using testing::SizeIs;
 
@@ -200,6 +201,31 @@ TEST_F(DeviceTest, PowerCallbacksOfADeviceWithoutASensorCoreFail) {
   faults().Clear();
   EXPECT_EQ(callbacks().pnp->OnD0Entry(device(), WdfPowerDeviceD3), E_FAIL);
   EXPECT_EQ(callbacks().pnp->OnD0Exit(device(), WdfPowerDeviceD3), E_FAIL);
+  EXPECT_EQ(callbacks().hardware->OnReleaseHardware(device()), S_OK);
+}
+
+TEST_F(DeviceTest, OtherCallbacksWithoutAContextTouchNothing) {
+  Load();
+  ASSERT_EQ(rig().host().AddDevice(), S_OK);
+  EXPECT_EQ(callbacks().selfManagedIo->OnSelfManagedIoRestart(device()), S_OK);
+  EXPECT_EQ(callbacks().selfManagedIo->OnSelfManagedIoSuspend(device()), S_OK);
+  callbacks().fileCleanup->OnCleanupFile(nullptr);
+  EXPECT_THAT(CallsAmong({"IWDFIoQueue::StopSynchronously", "IWDFIoQueue::Start",
+                          "ISensorClassExtension::CleanupFile"}),
+              IsEmpty());
+}
+
+TEST_F(DeviceTest, WithoutASensorCoreTheInitializationPostsNothingAndNoFileIsPassedOn) {
+  Load();
+  ASSERT_EQ(rig().host().AddDevice(), S_OK);
+  faults().Clear();
+  faults().FailImport("CreateEventW", 1);  // the sensor core's first event
+  EXPECT_EQ(callbacks().hardware->OnPrepareHardware(device()), E_UNEXPECTED);
+  faults().Clear();
+  EXPECT_EQ(callbacks().selfManagedIo->OnSelfManagedIoInit(device()), S_OK);
+  callbacks().fileCleanup->OnCleanupFile(nullptr);
+  EXPECT_FALSE(WorkerRuns());
+  EXPECT_EQ(rig().calls().Count("ISensorClassExtension::CleanupFile"), 0U);
   EXPECT_EQ(callbacks().hardware->OnReleaseHardware(device()), S_OK);
 }
 

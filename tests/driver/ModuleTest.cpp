@@ -65,6 +65,15 @@ TEST_F(ModuleTest, ANullPlaceForTheObjectIsRefused) {
   Load();
   EXPECT_EQ(rig().module().GetClassObject(kDriverClass, iidOf<IClassFactory>, nullptr), E_POINTER);
   EXPECT_EQ(Factory()->CreateInstance(nullptr, iidOf<IUnknown>, nullptr), E_POINTER);
+  EXPECT_EQ(Factory()->QueryInterface(iidOf<IClassFactory>, nullptr), E_POINTER);
+}
+
+TEST_F(ModuleTest, TheFactoryIsOneObjectByBothItsInterfaces) {
+  Load();
+  const stelvane::ComPtr<IClassFactory> factory = Factory();
+  stelvane::ComPtr<IUnknown> unknown;
+  EXPECT_EQ(factory.As(unknown), S_OK);
+  EXPECT_EQ(unknown.Get(), factory.Get());
 }
 
 TEST_F(ModuleTest, AnInterfaceThatTheFactoryLacksIsRefused) {

@@ -59,6 +59,13 @@ TEST_F(QueueTest, TheRadioStateIsReadAsOnAndOff) {
   EXPECT_EQ(Sent("AT+XLCSSWITCH=0,1"), 1U);
 }
 
+TEST_F(QueueTest, ARadioStateThatCannotBeCopiedFailsTheRequest) {
+  StartAndSettle();
+  rig().calls().FailCall("IWDFMemory::CopyFromBuffer", 1, E_ABORT);
+  EXPECT_EQ(Ask(kReadState, "", 4).status, E_ABORT);
+  EXPECT_EQ(Ask(kReadState, "", 4), (Answer{S_OK, 4, Word(0)}));
+}
+
 TEST_F(QueueTest, AnyOffStateSwitchesTheEngineOffAndZeroOn) {
   StartAndSettle();
   for (ULONG state = 1; state <= 6; ++state) {
