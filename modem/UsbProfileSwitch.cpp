@@ -52,6 +52,8 @@ void UsbProfileSwitch::QueryUsbProfile() {
     TRACE(ProfileQueryFailed, result);
     return;
   }
+  // The copy too is for the trace alone.
+  if (!trace::IsEnabled(trace::ProfileRead::kLevel, trace::ProfileRead::kFlag)) return;
   const UsbProfile profile = answers_.Profile();
   TRACE(ProfileRead, profile.profile.c_str(), profile.options.c_str(), profile.vendorId.c_str(),
         profile.vendorName.c_str(), profile.productId.c_str(), profile.productName.c_str());
