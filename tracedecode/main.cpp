@@ -44,13 +44,8 @@ struct Options {
   bool help = false;
 };
 
-std::string TmfBesideProgram() {
-  const std::u8string path = (bench::ProgramFolder() / "tmf").u8string();
-  return {path.begin(), path.end()};
-}
-
 Outcome<Options> ReadOptions(const std::vector<std::string>& arguments) {
-  Options options{.trace = {}, .tmf = TmfBesideProgram()};
+  Options options{.trace = {}, .tmf = bench::ToUtf8(bench::ProgramFolder() / "tmf")};
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     const std::string& argument = arguments[i];
     if (argument == "--help" || argument == "-h") {

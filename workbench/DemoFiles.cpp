@@ -15,15 +15,6 @@ namespace {
 
 constexpr Millis kLogStart = 250;  // from a request to its first fix: a log is all reception
 
-std::filesystem::path Path(const std::string& utf8) {
-  return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
-}
-
-std::string Utf8(const std::filesystem::path& path) {
-  const std::u8string text = path.generic_u8string();
-  return {text.begin(), text.end()};
-}
-
 // Each of these returns why it failed, or nothing.
 std::string ReadTrack(const DemoOptions& options, DemoFiles& files) {
   if (options.nmea.empty()) {
@@ -59,7 +50,7 @@ std::string ReadConfig(const DemoOptions& options, DemoFiles& files) {
 
 std::string FindDll(const DemoOptions& options, DemoFiles& files) {
   files.dll = options.dll.empty() ? ProgramFolder() / "Stelvane.dll"
-                                  : std::filesystem::absolute(Path(options.dll));
+                                  : std::filesystem::absolute(FromUtf8(options.dll));
   std::error_code error;
   if (std::filesystem::is_regular_file(files.dll, error)) return {};
   return files.dll.string() + ": no such driver";
@@ -74,7 +65,7 @@ std::string OpenTranscript(const DemoOptions& options, DemoFiles& files) {
 
 std::string ReadTraceFormats(const DemoOptions& options, DemoFiles& files) {
   if (!options.trace) return {};
-  auto formats = TraceFormats::Load(Utf8(ProgramFolder() / "tmf"));
+  auto formats = TraceFormats::Load(ToUtf8(ProgramFolder() / "tmf"));
   if (formats) files.traceFormats = std::move(*formats);
   return formats.error;
 }
@@ -90,7 +81,7 @@ std::uint64_t PlatformTime(Utc time) {
 std::string MakeRunFolder(const DemoOptions& options, DemoFiles& files) {
   if (options.runFolder.empty() && !options.trace) return {};
   const std::string path =
-      options.runFolder.empty() ? Utf8(ProgramFolder() / "run") : options.runFolder;
+      options.runFolder.empty() ? ToUtf8(ProgramFolder() / "run") : options.runFolder;
   auto folder =
       RunFolder::Make(path, options.trace.has_value(), PlatformTime(files.track->Start()));
   if (folder) files.runFolder = std::move(*folder);

@@ -6,15 +6,12 @@
 #include <string_view>
 #include <utility>
 
+#include "workbench/modem/TextFile.h"
 #include "workbench/trace/TraceFile.h"
 
 namespace bench {
 
 namespace {
-
-std::filesystem::path FromUtf8(const std::string& utf8) {
-  return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
-}
 
 void Write(const FileOwner& file, std::string_view bytes) {
   std::fwrite(bytes.data(), 1, bytes.size(), file.get());

@@ -4,23 +4,30 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <memory>
 
 namespace bench {
 
 namespace {
 
-// The name is UTF-8, which the narrow open of Windows does not take.
 std::FILE* OpenToRead(const std::string& path) {
 #ifdef _WIN32
-  return _wfopen(std::filesystem::path(std::u8string(path.begin(), path.end())).c_str(), L"rb");
+  return _wfopen(FromUtf8(path).c_str(), L"rb");
 #else
   return std::fopen(path.c_str(), "rb");
 #endif
 }
 
 }  // namespace
+
+std::filesystem::path FromUtf8(const std::string& text) {
+  return {std::u8string(text.begin(), text.end())};
+}
+
+std::string ToUtf8(const std::filesystem::path& path) {
+  const std::u8string text = path.generic_u8string();
+  return {text.begin(), text.end()};
+}
 
 Outcome<std::string> ReadWholeFile(const std::string& path) {
   const auto why = [&path] {

@@ -124,13 +124,12 @@ std::string TraceFormats::Add(std::string_view text, const std::string& name) {
 
 Outcome<TraceFormats> TraceFormats::Load(const std::string& folder) {
   std::error_code error;
-  const std::filesystem::path path(std::u8string(folder.begin(), folder.end()));
+  const std::filesystem::path path = FromUtf8(folder);
   std::vector<std::string> files;
   for (std::filesystem::directory_iterator entry(path, error), end; !error && entry != end;
        entry.increment(error)) {
     if (entry->path().extension() != ".tmf") continue;
-    const std::u8string name = entry->path().u8string();
-    files.emplace_back(name.begin(), name.end());
+    files.push_back(ToUtf8(entry->path()));
   }
   if (error) return NoValue<TraceFormats>(folder + ": cannot be read: " + error.message());
   if (files.empty())
