@@ -16,7 +16,8 @@ class Timers {
  public:
   Timers() { AllOff(); }
   void AllOff() { timers_.fill(kTimerOff); }
-  void Arm(SensorTimer timer, std::uint32_t milliseconds) { timers_[timer] = milliseconds; }
+  /// kTimerOff turns the timer off.
+  void Arm(SensorTimer timer, std::uint32_t milliseconds);
 
   /// How long the worker may wait, in milliseconds; INFINITE when all are off.
   std::uint32_t Shortest() const { return *std::min_element(timers_.begin(), timers_.end()); }

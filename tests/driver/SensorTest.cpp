@@ -20,11 +20,12 @@ constexpr GUID kCoreMessages = {
     0x144badba, 0x9576, 0x456f, {0xb9, 0x9f, 0x61, 0xff, 0xb7, 0xa1, 0x63, 0xb2}};
 constexpr GUID kMachineMessages = {
     0x00e09126, 0xccfd, 0x4506, {0x86, 0xe5, 0x30, 0xb1, 0xc6, 0xc6, 0x92, 0x3d}};
+constexpr GUID kTimerMessages = {
+    0x8a4b39ee, 0x392a, 0x4df0, {0x97, 0x2c, 0x1e, 0x49, 0xe9, 0x6d, 0x3f, 0xd2}};
 constexpr TracePoint kTracePoints[] = {
-    {kQueueMessages, 10, Doing::kPosted},
-    {kCoreMessages, 18, Doing::kDropped},
-    {kMachineMessages, 10, Doing::kHandled},
-    {kMachineMessages, 22, Doing::kTimer},
+    {kQueueMessages, 10, Doing::kPosted},    {kCoreMessages, 18, Doing::kDropped},
+    {kMachineMessages, 10, Doing::kHandled}, {kMachineMessages, 22, Doing::kTimer},
+    {kTimerMessages, 10, Doing::kArmed},     {kTimerMessages, 11, Doing::kTurnedOff},
 };
 constexpr UCHAR kEverything = 5;
 
@@ -45,6 +46,15 @@ std::string Texts(const std::vector<BYTE>& arguments) {
   std::string text;
   for (const BYTE byte : arguments) text.append(byte != 0 ? std::string(1, char(byte)) : " in ");
   return text.substr(0, text.size() - std::min<std::size_t>(text.size(), 4));
+}
+
+// A timer's name, its zero, and the milliseconds.
+std::string Armed(const std::vector<BYTE>& arguments) {
+  ULONG milliseconds = 0;
+  const std::size_t name = arguments.size() - sizeof(milliseconds);
+  std::memcpy(&milliseconds, arguments.data() + name, sizeof(milliseconds));
+  return Texts({arguments.begin(), arguments.begin() + static_cast<std::ptrdiff_t>(name)}) + " " +
+         std::to_string(milliseconds);
 }
 
 bool IsAboutRequests(const std::string& line) {
@@ -157,8 +167,10 @@ std::vector<Millis> SensorTest::TimesOf(const std::string& command) const {
 void SensorTest::OnTrace(const TraceRecord& record) {
   for (const TracePoint& point : kTracePoints) {
     if (point.number != record.number || !IsEqualGUID(point.message, record.message)) continue;
+    const std::string text =
+        point.what == Doing::kArmed ? Armed(record.arguments) : Texts(record.arguments);
     const std::lock_guard lock(mutex_);
-    log_.push_back({.what = point.what, .time = record.time, .text = Texts(record.arguments)});
+    log_.push_back({.what = point.what, .time = record.time, .text = text});
   }
 }
 

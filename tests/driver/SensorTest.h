@@ -26,7 +26,7 @@ inline constexpr PROPERTYKEY kClearAssistance = {
 inline constexpr PROPERTYKEY kLatitude = {keys::kLocationSet, 2};
 
 /// What the core traces of its work.
-enum class Doing { kPosted, kHandled, kDropped, kTimer };
+enum class Doing { kPosted, kHandled, kDropped, kArmed, kTurnedOff, kTimer };
 
 class SensorTest : public RigTest {
  protected:
@@ -76,7 +76,8 @@ class SensorTest : public RigTest {
   std::vector<SensorModem::Command> Commands() const;
   /// Times since the mark at which that command was written.
   std::vector<Millis> TimesOf(const std::string& command) const;
-  /// Names since the mark; handled events stand as "EV_INIT in SENSOR_STATE_ERROR".
+  /// Names since the mark; handled events stand as "EV_INIT in SENSOR_STATE_ERROR", armed timers
+  /// as "TIMER_PRGN 6000".
   std::vector<std::string> Log(Doing what) const;
   std::vector<Millis> TimesOfTimer(const std::string& timer) const;
   std::size_t Posted(const std::string& event) const;
