@@ -1,5 +1,7 @@
 // One AT command and its final result: attempts, time-outs, reopening, echoes.
 
+#include <cstring>
+
 #include "tests/driver/ModemTest.h"
 #include "workbench/framework/UsbFunction.h"
 
@@ -12,6 +14,10 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 constexpr const char* kOpen = "IWDFUsbTargetFactory::CreateUsbTargetDevice";
+constexpr GUID kEngineMessages = {
+    0xb03fb04c, 0xc7b4, 0x424f, {0xb1, 0x46, 0xc5, 0xa6, 0x80, 0xe0, 0x57, 0x2d}};
+constexpr USHORT kCommandEnds = 11;
+constexpr UCHAR kVerbose = TRACE_LEVEL_VERBOSE;
 
 class AtCommand : public ModemTest {
  protected:
@@ -19,6 +25,16 @@ class AtCommand : public ModemTest {
     std::vector<Millis> times = modem_->TimesOf(kSwitchOn);
     for (Millis& time : times) time -= start;
     return times;
+  }
+  /// The results with which commands have ended since the trace was switched on.
+  std::vector<HRESULT> EndsOfCommands() {
+    std::vector<HRESULT> ends;
+    for (const TraceRecord& record : rig_->redirector().Tracing().TakeMessages()) {
+      if (!IsEqualGUID(record.message, kEngineMessages) || record.number != kCommandEnds) continue;
+      HRESULT& end = ends.emplace_back();
+      std::memcpy(&end, record.arguments.data(), sizeof end);
+    }
+    return ends;
   }
 };
 
@@ -204,6 +220,24 @@ TEST_F(AtCommand, NothingIsWrittenOnceTheCoreStops) {
   // The wait in flight ends by its time-out; neither a second attempt nor a retry is written.
   EXPECT_THAT(Commands(), SizeIs(1));
   EXPECT_LT(clock_.Now(), 10'000);
+}
+
+TEST_F(AtCommand, WhatIsNotWrittenBecauseTheCoreStopsFailsLikeARefusedCommand) {
+  Build();
+  modem_->Answer("ATE1", Silence());
+  rig_->redirector().Tracing().Enable(kVerbose, ~0U);
+  Start();
+  Settle(500);
+  ASSERT_EQ(rig_->host().Stop(), S_OK);
+  // The one in flight and its three retries.
+  EXPECT_THAT(EndsOfCommands(), ElementsAre(kRefused, kRefused, kRefused, kRefused));
+}
+
+TEST_F(AtCommand, AWriteThatEndsWithASuccessOfItsOwnGivesThatSuccess) {
+  StartQuietly();
+  rig_->calls().FailCall("IWDFRequestCompletionParams::GetCompletionStatus", 1, S_FALSE);
+  EXPECT_EQ(SwitchRadio(0), S_FALSE);
+  EXPECT_THAT(Commands(), ElementsAre(kSwitchOn));
 }
 
 /// A step of writing a line that fails with its own result, once.

@@ -140,6 +140,15 @@ TEST_F(AtTransport, TwoNestedUsesAndOneReleaseLeaveTheDeviceHeldAndTheSecondLets
   EXPECT_EQ(IdleHolds(), 0);
 }
 
+TEST_F(AtTransport, CommandsLeaveNoObjectBehindInTheFramework) {
+  StartQuietly();
+  ASSERT_EQ(SwitchRadio(0), S_OK);
+  const auto objects = rig_->ledger().Alive();
+  ASSERT_EQ(SwitchRadio(0), S_OK);
+  ASSERT_EQ(SwitchRadio(0), S_OK);
+  EXPECT_EQ(rig_->ledger().Alive(), objects);
+}
+
 TEST_F(AtTransport, ACommandIsWrittenAlsoWhenTheDeviceDoesNotLeaveIdle) {
   StartQuietly();
   rig_->calls().FailCall("IWDFDevice2::StopIdle", 1, E_FAIL);

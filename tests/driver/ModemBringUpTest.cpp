@@ -118,6 +118,13 @@ TEST_F(ModemBringUp, SwitchReportOneMeansRadioOn) {
   EXPECT_EQ(RadioState(), 0U);
 }
 
+TEST_F(ModemBringUp, SwitchReportOneBehindOneOfZeroDoesNotTurnTheRadioOnAgain) {
+  Build();
+  modem_->Answer("AT+XLCSSWITCH?", Ok({"+XLCSSWITCH : 0", "+XLCSSWITCH : 1"}));
+  Start();
+  EXPECT_EQ(RadioState(), 1U);
+}
+
 TEST_F(ModemBringUp, NoSwitchReportMeansRadioOn) {
   StartQuietly();
   EXPECT_EQ(RadioState(), 0U);

@@ -58,6 +58,17 @@ TEST_F(ModemSession, TheSettableFieldsAreWrittenUnsignedFromTheNextStartOn) {
   EXPECT_THAT(Commands(), ElementsAre(kStop, "AT+CIMI", "AT+XLCSLSR=0,4294967295,,,,,7,,,2,,"));
 }
 
+TEST_F(ModemSession, AFieldSetDuringAStartWaitsForItsEnd) {
+  StartQuietly();
+  modem_->Answer("AT+CIMI", {Silence(), Ok()});
+  ClientSession& client = Connect();
+  ASSERT_THAT(Commands(), ElementsAre("AT+CIMI"));
+  const Millis silent = modem_->TimesOf("AT+CIMI").front() + 1000;
+  EXPECT_TRUE(client.SetProperty(DriverKey(4), Variant::Ui4(7)).Accepted());
+  EXPECT_EQ(clock_.Now(), silent) << "the start is over";
+  EXPECT_EQ(Commands().back(), kSingleFix) << "with the field as it was";
+}
+
 TEST_F(ModemSession, TheSettableFieldsAre1UntilSet) {
   StartQuietly();
   ClientSession& client = Connect();

@@ -160,6 +160,24 @@ TEST_F(SuplDialogue, ARefusedVersionCommandLeavesTheSimToBeTriedAgain) {
   EXPECT_EQ(NextStart(), OnlySim());
 }
 
+TEST_F(SuplDialogue, AVersionThatHoldsErrorIsTakenForARefusalWhenItIsEchoed) {
+  Build();
+  rig_->systemRoot().WriteConfigFile(File({{.sid = "_Default", .version = "ERROR"}}));
+  modem_->Answer("AT+XLCSSUPLVER=", Raw("AT+XLCSSUPLVER=ERROR\r\n"));
+  Listen();
+  Start();
+  EXPECT_EQ(Messages().back(), "Not able to Set SUPL Vestion using command \"XLCSSUPLVER\"");
+  EXPECT_EQ(NextStart(), Provisioned("0,\"slp.example\",7275", "ERROR")) << "tried again";
+}
+
+TEST_F(SuplDialogue, AnIdentityBehindAnotherEchoIsNone) {
+  ForDefault({});
+  modem_->Answer(kSwitchOn, Ok({kOtherImsi}));
+  ASSERT_EQ(SwitchRadio(0), S_OK);
+  modem_->Answer("AT+CIMI", Ok());
+  EXPECT_EQ(NextStart(), OnlySim()) << "the SIM that was provisioned";
+}
+
 TEST_F(SuplDialogue, AnIdentityOf13DigitsIsDropped) {
   EXPECT_EQ(Provision("3104101234567", File({{.sid = "_Default"}})), OnlySim());
   EXPECT_THAT(Messages(), IsEmpty()) << "no identity is the one that was provisioned";

@@ -12,6 +12,7 @@ constexpr const char* kLong = "310410123456789";
 constexpr const char* kShort = "31041012345678";
 constexpr const char* kNoMatch = "Can not Find correct MCC/MNC from XML Error:";
 constexpr const char* kNoRecord = "Error while calling selectSingleNode. Error:";
+constexpr const char* kNoRoot = "Failed to Get Environment Variable \"systemroot\". Error:";
 constexpr const char* kNotLoaded = "Failed to load DOM from StelvaneSUPLInfo-DTD.xml. Error:";
 constexpr const char* kNoType = "Error while Creating \"XLCSSLP\" Cpmmand ";
 
@@ -80,6 +81,16 @@ TEST_F(SuplFile, AMissingFileSendsNothingAndTheSimIsTriedAgainAtTheNextStart) {
   EXPECT_EQ(NextStart(), OnlySim());
   rig_->systemRoot().WriteConfigFile(File({{.sid = "_310410", .address = "late"}}));
   EXPECT_EQ(NextStart(), From("late"));
+}
+
+TEST_F(SuplFile, WithoutASystemRootTheFileIsNotFoundAndBothAreReported) {
+  Build();
+  rig_->systemRoot().WriteConfigFile(File({{.sid = "_Default"}}));
+  rig_->redirector().Faults().FailImport("GetEnvironmentVariableW", 1);
+  Listen();
+  Start();
+  EXPECT_EQ(Commands(), BringUp());
+  EXPECT_THAT(Messages(), ElementsAre(kNoRoot, kNotLoaded, kNoType));
 }
 
 TEST_F(SuplFile, AMalformedFileSendsNothing) {
