@@ -69,9 +69,10 @@ HRESULT ModemPort::Open(IWDFDevice* device, IUnknown* readers) {
   ComPtr<IWDFUsbTargetDevice> usbDevice;
   RETURN_IF_FAILED(factory->CreateUsbTargetDevice(usbDevice.Put()), UsbTargetFailed);
   usbTargetDevice = usbDevice.Get();
+  const UCHAR interfaces = usbDevice->GetNumInterfaces();
 
   HRESULT result = SendControlLineRequest(device, usbDevice.Get());
-  if (SUCCEEDED(result)) result = SearchInterfaces(usbDevice.Get(), readers);
+  if (SUCCEEDED(result)) result = SearchInterfaces(usbDevice.Get(), interfaces, readers);
   // The framework gives out one USB device at a time: kept, it would bar every later opening.
   if (FAILED(result)) Close();
   TRACE(PortOpened, result);
@@ -105,8 +106,8 @@ ComPtr<IWDFUsbTargetPipe> ModemPort::OutPipe() {
   return bulkOutPipe_;
 }
 
-HRESULT ModemPort::SearchInterfaces(IWDFUsbTargetDevice* usbDevice, IUnknown* readers) {
-  const UCHAR count = usbDevice->GetNumInterfaces();
+HRESULT ModemPort::SearchInterfaces(IWDFUsbTargetDevice* usbDevice, UCHAR count,
+                                    IUnknown* readers) {
   for (UCHAR index = 0; index < count; ++index) {
     ComPtr<IWDFUsbInterface> usbInterface;
     RETURN_IF_FAILED(usbDevice->RetrieveUsbInterface(index, usbInterface.Put()), InterfaceFailed);

@@ -28,7 +28,7 @@ class ModemPort {
   ComPtr<IWDFUsbTargetPipe> OutPipe() EXCLUDES(lock_);
 
  private:
-  HRESULT SearchInterfaces(IWDFUsbTargetDevice* usbDevice, IUnknown* readers);
+  HRESULT SearchInterfaces(IWDFUsbTargetDevice* usbDevice, UCHAR count, IUnknown* readers);
   HRESULT TakePipes(IWDFUsbInterface* usbInterface);
   void TakePipe(UCHAR index, IWDFUsbTargetPipe* pipe) EXCLUDES(lock_);
 

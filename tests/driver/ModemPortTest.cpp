@@ -6,6 +6,7 @@
 namespace bench {
 namespace {
 
+using testing::ElementsAreArray;
 using testing::IsEmpty;
 
 constexpr auto kNotFound = static_cast<HRESULT>(0x80070002);
@@ -48,6 +49,42 @@ TEST_F(ModemPort, AControlRequestOfExactlyTheseEightBytesWakesTheCommandPort) {
   EXPECT_EQ(requests[0].value, 0x0003);
   EXPECT_EQ(requests[0].index, 0x0000);
   EXPECT_EQ(requests[0].length, 0x0000);
+}
+
+TEST_F(ModemPort, OpeningCallsTheFrameworkInItsFixedOrder) {
+  constexpr const char* kOrder[] = {
+      "IUnknown::QueryInterface(IWDFUsbTargetFactory)",
+      "IWDFUsbTargetFactory::CreateUsbTargetDevice",
+      "IWDFUsbTargetDevice::GetNumInterfaces",
+      "IWDFDevice::CreateRequest",
+      "IWDFUsbTargetDevice::FormatRequestForControlTransfer",
+      "IWDFIoRequest::Send",
+      "IWDFIoRequest::GetCompletionParams",
+      "IWDFRequestCompletionParams::GetCompletionStatus",
+      "IWDFObject::DeleteWdfObject",
+      "IWDFUsbTargetDevice::RetrieveUsbInterface",
+      "IWDFUsbInterface::GetInterfaceDescriptor",
+      "IWDFUsbInterface::GetNumEndPoints",
+      "IWDFUsbInterface::RetrieveUsbPipeObject",
+      "IWDFUsbTargetPipe::IsInEndPoint",
+      "IWDFUsbTargetPipe::GetType",
+      "IWDFUsbInterface::RetrieveUsbPipeObject",
+      "IWDFUsbTargetPipe::IsInEndPoint",
+      "IWDFUsbTargetPipe::IsOutEndPoint",
+      "IWDFUsbTargetPipe::GetType",
+      "IUnknown::QueryInterface(IWDFUsbTargetPipe2)",
+      "IWDFUsbTargetPipe2::ConfigureContinuousReader",
+  };
+  BuildWith({Interface({kBulkIn, kBulkOut})});
+  ASSERT_EQ(rig_->host().AddDevice(), S_OK);
+  ASSERT_EQ(rig_->host().PrepareHardware(), S_OK);
+  std::vector<std::string> made;
+  for (const CallEntry& entry : rig_->calls().Calls()) {
+    if (made.empty() && entry.call != kOrder[0]) continue;
+    made.push_back(entry.call);
+    if (entry.call == std::end(kOrder)[-1]) break;
+  }
+  EXPECT_THAT(made, ElementsAreArray(kOrder));
 }
 
 TEST_F(ModemPort, NoInterfaceWithTwoEndpointsFailsTheStartWithFileNotFound) {
