@@ -1,5 +1,5 @@
 # The native build: the portable sources against a stand-in for the kernel on POSIX threads
-# (tests/native), for the sanitizers, the fuzzer, coverage and the lock annotations.
+# (tests/native), for the sanitizers, the fuzzer, coverage, the benchmarks and the lock annotations.
 if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
   message(FATAL_ERROR "The native build needs clang++ (the native-* presets choose it)")
 endif()
@@ -86,7 +86,10 @@ set(sanitizer_options "UBSAN_OPTIONS=print_stacktrace=1;TSAN_OPTIONS=halt_on_err
 if(STELVANE_SANITIZE MATCHES "address")
   include(cmake/Fuzz.cmake)
 endif()
-if(STELVANE_FUZZ)
+if(STELVANE_BENCH)
+  include(cmake/Bench.cmake)
+endif()
+if(STELVANE_FUZZ OR STELVANE_BENCH)
   return()  # the tests run in the other presets
 endif()
 
