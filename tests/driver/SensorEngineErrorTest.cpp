@@ -1,5 +1,4 @@
-// Engine errors, late reports, the other shape of a report, cleared assistance data, and a power
-// cycle in the middle of it all.
+// Engine errors, late reports, the other shape of a report, and cleared assistance data.
 
 #include "tests/driver/SensorTest.h"
 #include "workbench/modem/ReportWriter.h"
@@ -218,65 +217,6 @@ TEST_F(SensorAssistance, AfterARefusedClearingTheRequestStartsAgain) {
   Mark();
   PostClear(*client);
   EXPECT_THAT(Requests(), ElementsAre("AT+XLSRSTOP=0,2", kClear, Periodic(5)));
-}
-
-class SensorPower : public SensorTest {
- protected:
-  void Cycle() {
-    EXPECT_EQ(rig().host().PowerDown(), S_OK);
-    RunFor(1000);
-    EXPECT_EQ(rig().host().PowerUp(), S_OK);
-    Settle();
-  }
-};
-
-TEST_F(SensorPower, ARunningPeriodicRequestIsStartedAgainAfterAPowerCycle) {
-  StartSensor();
-  const auto client = Subscriber(5000);
-  SayFix();
-  Mark();
-  Cycle();
-  EXPECT_THAT(Log(Doing::kPosted), ElementsAre("EV_REFRESH_REPORTING"));
-  EXPECT_THAT(Requests(), ElementsAre("AT+XLSRSTOP=0,2", Periodic(5)));
-  // The resume and the stop both gave the use of the first request back; it is kept so on purpose.
-  EXPECT_EQ(EngineUses(), 0);
-  RunFor(5000);
-  const std::size_t before = ReportCount();
-  SayFix();
-  EXPECT_EQ(ReportCount(), before + 1);
-}
-
-TEST_F(SensorPower, AnOutstandingSingleFixIsAskedForAgain) {
-  StartSensor();
-  const auto client = Subscriber(9000);
-  RunFor(6500);
-  Mark();
-  Cycle();
-  EXPECT_THAT(Log(Doing::kPosted), ElementsAre("EV_DATA_REQUESTED"));
-  EXPECT_THAT(Requests(), ElementsAre(kSingleFix));
-  SayFix();
-  EXPECT_EQ(ReportCount(), 1U);
-}
-
-TEST_F(SensorPower, WithNothingRunningNothingIsPosted) {
-  StartSensor();
-  const auto client = Subscriber(9000);
-  Mark();
-  Cycle();
-  EXPECT_THAT(Log(Doing::kPosted), IsEmpty());
-  EXPECT_THAT(Commands(), IsEmpty());
-}
-
-TEST_F(SensorPower, TimersRunOnWhileThePowerIsDown) {
-  StartSensor();
-  const auto client = Subscriber(9000);
-  const Millis subscribed = clock_.Now() - 1;
-  Mark();
-  EXPECT_EQ(rig().host().PowerDown(), S_OK);
-  RunFor(4000);
-  EXPECT_EQ(rig().host().PowerUp(), S_OK);
-  RunUntil(subscribed + 6500);
-  EXPECT_THAT(TimesOf(kSingleFix), ElementsAre(subscribed + 6000));
 }
 
 }  // namespace
