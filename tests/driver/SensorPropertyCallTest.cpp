@@ -1,0 +1,154 @@
+// Property calls as the driver's face gets them: several keys at once, missing arguments,
+// containers that fail.
+
+#include <utility>
+#include <vector>
+
+#include "tests/driver/SensorFace.h"
+#include "tests/driver/SensorTest.h"
+#include "workbench/sensorapi/PortableDeviceValues.h"
+
+namespace bench {
+namespace {
+
+using testing::IsEmpty;
+using testing::SizeIs;
+
+constexpr PROPERTYKEY kField1 = {kDriverSettings, 4};
+constexpr PROPERTYKEY kUnknown = {kDriverSettings, 99};
+
+class SensorPropertyCallTest : public SensorTest {
+ protected:
+  void SetUp() override {
+    RigOptions options;
+    options.withheldClasses = {ApiClass::kClassExtension};
+    LoadSensor(std::move(options));
+    face_ = std::make_unique<SensorFace>(rig());
+    StartLoaded();
+  }
+  void TearDown() override {
+    rig().ReleaseDriver();
+    face_.reset();
+    SensorTest::TearDown();
+  }
+  ISensorDriver& Sensor() { return *face_->Driver(); }
+  static stelvane::ComPtr<IPortableDeviceValues> OneValue(const PROPERTYKEY& key, ULONG value) {
+    stelvane::ComPtr<IPortableDeviceValues> values;
+    EXPECT_EQ(
+        CoCreateInstance(clsid::kPortableDeviceValues, nullptr, CLSCTX_INPROC_SERVER,
+                         iidOf<IPortableDeviceValues>, reinterpret_cast<void**>(values.Put())),
+        S_OK);
+    EXPECT_EQ(values->SetUnsignedIntegerValue(key, value), S_OK);
+    return values;
+  }
+  stelvane::ComPtr<IPortableDeviceValues> Values(KeyValues content) {
+    return stelvane::ComPtr<IPortableDeviceValues>(
+        MakeApiObject<PortableDeviceValues>(rig().sensors().world(), std::move(content)).Get());
+  }
+  KeyValues ContentOf(IPortableDeviceValues& values) {
+    KeyValues content;
+    EXPECT_EQ(ReadValues(rig().sensors().world(), values, &content), S_OK);
+    return content;
+  }
+  Variant ReadField1(ClientSession& client) {
+    Variant value;
+    EXPECT_EQ(client.GetProperty(kField1, &value), S_OK);
+    return value;
+  }
+
+  std::unique_ptr<SensorFace> face_;
+};
+
+TEST_F(SensorPropertyCallTest, OfSeveralValuesThoseRefusedGetTheirErrorsAndTheOthersAreSet) {
+  const auto client = Connect();
+  const auto values = Values({{kCurrentReportInterval, Variant::Ui4(999)},
+                              {kField1, Variant::Ui4(9)},
+                              {kUnknown, Variant::Ui4(1)}});
+  WCHAR id[] = L"";
+  stelvane::ComPtr<IPortableDeviceValues> results;
+  EXPECT_EQ(Sensor().OnSetProperties(client->File(), id, values.Get(), results.Put()), S_FALSE);
+  ASSERT_TRUE(results);
+  const KeyValues errors = ContentOf(*results.Get());
+  ASSERT_THAT(errors, SizeIs(2));
+  EXPECT_TRUE(SameKey(errors[0].key, kCurrentReportInterval));
+  EXPECT_EQ(errors[0].value, Variant::Error(E_INVALIDARG));
+  EXPECT_TRUE(SameKey(errors[1].key, kUnknown));
+  EXPECT_EQ(errors[1].value, Variant::Error(HRESULT_FROM_WIN32(ERROR_NOT_FOUND)));
+  EXPECT_EQ(ReadField1(*client), Variant::Ui4(9));
+}
+
+TEST_F(SensorPropertyCallTest, AnUnknownClientKeepsTheValuesBehindItsIntervalFromBeingSet) {
+  const auto client = Connect();
+  const auto values =
+      Values({{kCurrentReportInterval, Variant::Ui4(5000)}, {kField1, Variant::Ui4(9)}});
+  WCHAR id[] = L"";
+  stelvane::ComPtr<IPortableDeviceValues> results;
+  Mark();
+  EXPECT_EQ(Sensor().OnSetProperties(nullptr, id, values.Get(), results.Put()), E_UNEXPECTED);
+  Settle();
+  EXPECT_THAT(Log(Doing::kPosted), IsEmpty());
+  EXPECT_EQ(ReadField1(*client), Variant::Ui4(1));
+}
+
+TEST_F(SensorPropertyCallTest, TheOneSensorObjectHoldsTheAdvertisedPropertiesInTheirOrder) {
+  stelvane::ComPtr<IPortableDeviceValuesCollection> objects;
+  ASSERT_EQ(Sensor().OnGetSupportedSensorObjects(objects.Put()), S_OK);
+  DWORD count = 0;
+  EXPECT_EQ(objects->GetCount(&count), S_OK);
+  ASSERT_EQ(count, 1U);
+  stelvane::ComPtr<IPortableDeviceValues> object;
+  ASSERT_EQ(objects->GetAt(0, object.Put()), S_OK);
+  const KeyValues values = ContentOf(*object.Get());
+  const auto client = Connect();
+  const std::vector<PROPERTYKEY> advertised = client->SupportedProperties().keys;
+  ASSERT_THAT(values, SizeIs(advertised.size()));
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    EXPECT_TRUE(SameKey(values[i].key, advertised[i])) << KeyText(values[i].key);
+    EXPECT_NE(values[i].value.Type(), VT_ERROR) << KeyText(values[i].key);
+  }
+}
+
+TEST_F(SensorPropertyCallTest, AnUnknownClientEndsTheCallWithoutResults) {
+  WCHAR id[] = L"";
+  for (const PROPERTYKEY& key : {kCurrentReportInterval, kDesiredAccuracy}) {
+    const auto values = OneValue(key, 5000);
+    stelvane::ComPtr<IPortableDeviceValues> results;
+    EXPECT_EQ(Sensor().OnSetProperties(nullptr, id, values.Get(), results.Put()), E_UNEXPECTED);
+    EXPECT_FALSE(results);
+  }
+}
+
+TEST_F(SensorPropertyCallTest, MissingArgumentsAreInvalid) {
+  WCHAR id[] = L"";
+  const auto values = OneValue(kCurrentReportInterval, 5000);
+  stelvane::ComPtr<IPortableDeviceValues> results;
+  EXPECT_EQ(Sensor().OnSetProperties(nullptr, id, nullptr, results.Put()), E_INVALIDARG);
+  EXPECT_EQ(Sensor().OnSetProperties(nullptr, id, values.Get(), nullptr), E_INVALIDARG);
+  EXPECT_EQ(Sensor().OnGetProperties(nullptr, id, nullptr, results.Put()), E_INVALIDARG);
+  EXPECT_EQ(Sensor().OnGetSupportedSensorObjects(nullptr), E_INVALIDARG);
+  EXPECT_EQ(Sensor().OnGetSupportedProperties(id, nullptr), E_INVALIDARG);
+  EXPECT_EQ(Sensor().OnGetSupportedEvents(id, nullptr, nullptr), E_INVALIDARG);
+  GUID* events = nullptr;
+  EXPECT_EQ(Sensor().OnGetSupportedEvents(id, &events, nullptr), E_INVALIDARG);
+  EXPECT_EQ(events, nullptr);
+  EXPECT_EQ(Sensor().QueryInterface(iidOf<IUnknown>, nullptr), E_POINTER);
+}
+
+TEST_F(SensorPropertyCallTest,
+       ValuesThatCannotBeCountedEndTheWriteAndOneThatCannotBeReadIsPassedOver) {
+  WCHAR id[] = L"";
+  const auto values = OneValue(kField1, 9);
+  stelvane::ComPtr<IPortableDeviceValues> results;
+  rig().calls().FailCall("IPortableDeviceValues::GetCount", 1, E_ABORT);
+  EXPECT_EQ(Sensor().OnSetProperties(nullptr, id, values.Get(), results.Put()), E_ABORT);
+  EXPECT_FALSE(results);
+  rig().calls().FailCall("IPortableDeviceValues::GetAt", 1, E_ABORT);
+  EXPECT_EQ(Sensor().OnSetProperties(nullptr, id, values.Get(), results.Put()), S_OK);
+  ASSERT_TRUE(results);
+  DWORD count = 1;
+  EXPECT_EQ(results->GetCount(&count), S_OK);
+  EXPECT_EQ(count, 0U);
+}
+
+}  // namespace
+}  // namespace bench
