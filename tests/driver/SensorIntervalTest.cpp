@@ -215,5 +215,32 @@ TEST_F(SensorInterval, ASingleFixHoldsTheDeviceOutOfIdleUntilItArrives) {
   EXPECT_EQ(EngineUses(), 0);
 }
 
+TEST_F(SensorInterval, FromTheStopToTheNewStartTheDeviceStaysOutOfIdle) {
+  StartSensor();
+  const auto client = Subscriber(5000);
+  const std::size_t idled = rig().calls().Count("IWDFDevice2::ResumeIdle");
+  EXPECT_TRUE(client->SetReportInterval(2000).Accepted());
+  Settle();
+  PostClear(*client);
+  EXPECT_THAT(TimesOf(Periodic(2)), testing::SizeIs(2));
+  EXPECT_EQ(rig().calls().Count("IWDFDevice2::ResumeIdle"), idled);
+  EXPECT_EQ(EngineUses(), 1);
+}
+
+TEST_F(SensorInterval, InStateErrorNoRequestIsStarted) {
+  LoadSensor();
+  modem().Refuse("ATE1", 4);
+  StartLoaded();
+  RunFor(1000);
+  const auto client = Connect();  // dropped, so that the state stays
+  EXPECT_EQ(client->Subscribe(), S_OK);
+  PostInit(*client);
+  Mark();
+  EXPECT_TRUE(client->SetReportInterval(5000).Accepted());
+  Settle();
+  EXPECT_THAT(Log(Doing::kHandled), ElementsAre("EV_REFRESH_REPORTING in SENSOR_STATE_ERROR"));
+  EXPECT_THAT(Commands(), IsEmpty());
+}
+
 }  // namespace
 }  // namespace bench

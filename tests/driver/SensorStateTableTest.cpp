@@ -144,6 +144,33 @@ TEST_F(SensorStates, AnEngineThatIsSwitchedOffAtTheStartIsNotAvailable) {
   EXPECT_EQ(State(), kNotAvailable);
 }
 
+TEST_F(SensorStates, AFirstClientOfAReadySensorGetsNoSingleFix) {
+  StartSensor();
+  auto client = Connect();
+  SayFix();
+  client.reset();
+  Settle();
+  ASSERT_EQ(State(), kReady);
+  Mark();
+  client = Connect();
+  EXPECT_THAT(Log(Doing::kHandled),
+              testing::ElementsAre("EV_FIRST_CLIENT_CONNECTED in SENSOR_STATE_READY"));
+  EXPECT_THAT(Commands(), testing::IsEmpty());
+}
+
+TEST_F(SensorStates, TheStateReadyIsRaisedBeforeTheReportThatComesWithIt) {
+  StartSensor();
+  const auto client = Subscriber(5000);
+  std::vector<std::string> calls;
+  rig().calls().SetHook([&calls](const CallEntry& entry) {
+    if (entry.call.starts_with("ISensorClassExtension::Post")) calls.push_back(entry.call);
+  });
+  SayFix();
+  rig().calls().SetHook({});
+  EXPECT_THAT(calls, testing::ElementsAre("ISensorClassExtension::PostStateChange",
+                                          "ISensorClassExtension::PostEvent"));
+}
+
 TEST_F(SensorStates, ALostFixInStateReadyMeansInitializing) {
   StartSensor();
   const auto client = Subscriber(5000);
