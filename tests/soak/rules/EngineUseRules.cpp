@@ -28,7 +28,8 @@ void EngineUseRules::ResumeIdle(Millis at, bool sure) {
     return;
   }
   if (--holds_ > 0) return;
-  const bool seen = startedAt_ >= 0 && at > startedAt_ + kAttemptTime && startWrites_ < kAttempts;
+  // Whether the driver took the last attempt's result is not seen: nothing follows in either case.
+  const bool seen = startedAt_ >= 0 && startWrites_ < kAttempts;
   if (seen && !MayHaveEnded(sure)) {
     breaches_.Add("engine-use-kept", at,
                   "the device may idle although the location request accepted at " +
@@ -43,7 +44,7 @@ bool EngineUseRules::MayHaveEnded(bool sure) const {
 
 void EngineUseRules::Written(Millis at, std::string_view line, bool sure) {
   // A use is taken before the command waits for its turn, and may be lost meanwhile.
-  const bool waited = at - lastWritten_ <= kCommandUnderWay;
+  const bool waited = at - std::max(lastWritten_, openedAt_) <= kCommandUnderWay;
   if (holds_ == 0 && !(waited && MayHaveEnded(sure))) {
     breaches_.Add("engine-use-talking", at,
                   '"' + std::string(line) + "\" is written to a device that may idle");
@@ -51,24 +52,26 @@ void EngineUseRules::Written(Millis at, std::string_view line, bool sure) {
   const bool again = at - lastWritten_ >= kAttemptTime && at - lastWritten_ <= kCommandUnderWay;
   if (at - lastWritten_ > kCommandUnderWay) calmSince_ = at;
   lastWritten_ = at;
-  if (line.starts_with("AT+XLCSLSR=")) {
-    startWrites_ = starting_ && again ? startWrites_ + 1 : 1;
-    starting_ = true;
-    startedAt_ = -1;
-    if (startWrites_ > 1) fair_ = false;
-  } else {
-    starting_ = false;
-  }
+  starting_ = line.starts_with("AT+XLCSLSR=");
+  startWrites_ = starting_ && again ? startWrites_ + 1 : 1;
+  idSaid_ = false;
+  if (starting_) startedAt_ = -1;
 }
 
 void EngineUseRules::Said(Millis at, std::string_view line) {
   if (line.find("ERROR") != std::string_view::npos) {
     fair_ = false;
+    starting_ = false;
+    if (at == startedAt_) startedAt_ = -1;  // of two results at once either may count
     if (line.starts_with("+XLCSLSR: ")) endedAt_ = at;
   }
   if (line.starts_with("+XLSRSTOP")) endedAt_ = at;
   if (line.starts_with("$")) fixAt_ = at;
-  if (line.starts_with("+XLCSLSR: request id") && starting_ && holds_ > 0) startedAt_ = at;
+  if (line.starts_with("+XLCSLSR: request id")) idSaid_ = true;
+  if (line == "OK" && starting_ && idSaid_ && holds_ > 0 && at - lastWritten_ < kAttemptTime) {
+    startedAt_ = at;
+    starting_ = false;
+  }
 }
 
 void EngineUseRules::PowerUp(Millis at) {
@@ -77,7 +80,9 @@ void EngineUseRules::PowerUp(Millis at) {
 }
 
 void EngineUseRules::Opened(Millis at) {
-  if (!reading_) endedAt_ = at;
+  if (!reading_ || endedAt_ > openedAt_) endedAt_ = at;
+  if (fixAt_ > openedAt_) fixAt_ = at;
+  openedAt_ = at;
 }
 
 void EngineUseRules::Clients(Millis at, int change) {

@@ -26,7 +26,8 @@ class EngineUseRules {
   void Said(Millis at, std::string_view line);
   void PowerDown() { reading_ = false; }
   void PowerUp(Millis at);
-  /// The port is opened: what lay about unread while the power was down may be read now.
+  /// The port is opened: what lay about unread while it was closed, or the power down, may be read
+  /// now, and a command that waited for it is written then.
   void Opened(Millis at);
   /// The device is stopped, which gives all uses back.
   void Ending() { ending_ = true; }
@@ -46,9 +47,11 @@ class EngineUseRules {
 
   Millis lastWritten_ = -1'000'000;
   Millis calmSince_ = 0;   // the last time that no command was under way for long
-  bool starting_ = false;  // the last command is a location request
+  Millis openedAt_ = -1;
+  bool starting_ = false;  // the last command is a location request, without a result yet
   int startWrites_ = 0;
-  Millis startedAt_ = -1;  // when the modem accepted it; negative: it did not
+  bool idSaid_ = false;
+  Millis startedAt_ = -1;  // when the modem accepted the request that runs; negative: none runs
   Millis endedAt_ = -1;    // the last thing that may end a request
   Millis fixAt_ = -1;      // the last fix; it ends a request unless the interval is short
 

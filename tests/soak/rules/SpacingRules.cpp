@@ -116,10 +116,14 @@ void SpacingRules::PoweredUp(Millis at) {
 void SpacingRules::Written(Millis at, std::string_view line) {
   Settle(at);
   if (IsPeriodicStart(line)) {
-    startWrites_ = startIsLast_ && at - lastWritten_ >= kAttempt ? startWrites_ + 1 : 1;
+    const Millis since = at - lastWritten_;
+    const bool again = startIsLast_ && since >= kAttempt && since <= kUnderWay;
+    startWrites_ = again ? startWrites_ + 1 : 1;
     startWritten_ = at;
     startAccepted_ = false;
     startIsLast_ = true;
+    // Nothing is written after the last attempt's second, at the end of which no interval is left.
+    if (startWrites_ == kAttempts) possible_.insert(kNone);
   } else {
     if (startIsLast_ && !StartIsSure()) possible_.insert(kNone);
     startIsLast_ = false;

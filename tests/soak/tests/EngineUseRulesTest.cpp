@@ -73,6 +73,55 @@ TEST_F(EngineUseRulesTest, ARequestThatLosesItsHold) {
   EXPECT_THAT(Broken(), ElementsAre("engine-use-kept"));
 }
 
+TEST_F(EngineUseRulesTest, ARequestThatLosesItsHoldAsItIsAccepted) {
+  Start(0);
+  rules.ResumeIdle(5, kSure);
+  EXPECT_THAT(Broken(), ElementsAre("engine-use-kept"));
+}
+
+TEST_F(EngineUseRulesTest, ARequestWithoutAGoodResultKeepsNoHold) {
+  rules.StopIdle(0);
+  rules.Written(0, kStart, kSure);
+  rules.Said(5, "+XLCSLSR: request id 1");
+  rules.Said(5, "ERROR");
+  rules.ResumeIdle(5, kSure);
+  EXPECT_THAT(Broken(), IsEmpty());
+}
+
+TEST_F(EngineUseRulesTest, AnIdThatNobodyAskedForStartsNothing) {
+  rules.StopIdle(0);
+  rules.Written(0, kStart, kSure);
+  rules.Said(5, "ERROR");
+  rules.Said(900, "+XLCSLSR: request id 1");
+  rules.Said(900, "OK");
+  rules.ResumeIdle(900, kSure);
+  EXPECT_THAT(Broken(), IsEmpty());
+}
+
+TEST_F(EngineUseRulesTest, AFixThatLayUnreadWhileThePortWasClosedMayEndARequest) {
+  rules.Opened(0);
+  Start(0);
+  rules.Said(4000, "$GPGGA,");
+  rules.Written(8000, "AT+XLCSSWITCH=0,1", !kSure);
+  rules.Opened(8000);
+  rules.ResumeIdle(8000, !kSure);
+  EXPECT_THAT(Broken(), IsEmpty());
+  Start(20'000);
+  rules.Written(28'000, "AT+XLCSSWITCH=0,1", !kSure);
+  rules.Opened(28'000);
+  rules.ResumeIdle(28'000, !kSure);  // no fix since the last opening
+  EXPECT_THAT(Broken(), ElementsAre("engine-use-kept"));
+}
+
+TEST_F(EngineUseRulesTest, ACommandThatWaitedForThePortMayHaveLostItsHold) {
+  rules.StopIdle(0);
+  rules.PowerDown();
+  rules.Opened(5000);
+  rules.ResumeIdle(5000, kSure);
+  rules.Written(5000, "AT+XLCSSWITCH=1", kSure);
+  EXPECT_THAT(Broken(), IsEmpty());
+}
+
 TEST_F(EngineUseRulesTest, WhatEndsARequest) {
   const auto ends = [this](Millis at, auto end) {
     Start(at);

@@ -130,6 +130,17 @@ TEST_F(SpacingRulesTest, ARefusedStartLeavesNoInterval) {
   EXPECT_EQ(rules.Smallest(now), 0);
 }
 
+TEST_F(SpacingRulesTest, AfterTheLastSilentAttemptAtAStartEveryFixMayBeReported) {
+  Running(5000);
+  Wish(kOther, 2000);
+  for (int attempt = 1; attempt <= 7; ++attempt) {
+    EXPECT_NE(rules.Smallest(now), 0) << "attempt " << attempt;
+    Start();
+    Pass(1000);
+  }
+  EXPECT_EQ(rules.Smallest(now), 0);
+}
+
 TEST_F(SpacingRulesTest, WhileTheStateIsNoneForItARefreshDoesNotCount) {
   Running(5000);
   rules.StatePosted(now, 1);
