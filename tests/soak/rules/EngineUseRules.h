@@ -46,7 +46,7 @@ class EngineUseRules {
   Millis firstHold_ = 0;
 
   Millis lastWritten_ = -1'000'000;
-  Millis calmSince_ = 0;   // the last time that no command was under way for long
+  Millis calmSince_ = 0;  // the last time that no command was under way for long
   Millis openedAt_ = -1;
   bool starting_ = false;  // the last command is a location request, without a result yet
   int startWrites_ = 0;
