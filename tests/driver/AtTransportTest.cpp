@@ -1,6 +1,7 @@
 // The AT channel: bytes become lines, and the device is kept out of idle while it is in use.
 
 #include "tests/driver/ModemTest.h"
+#include "workbench/framework/FxDevice.h"
 #include "workbench/framework/UsbFunction.h"
 
 namespace bench {
@@ -138,6 +139,18 @@ TEST_F(AtTransport, TwoNestedUsesAndOneReleaseLeaveTheDeviceHeldAndTheSecondLets
   clients_.clear();
   Settle();
   EXPECT_EQ(IdleHolds(), 0);
+}
+
+TEST_F(AtTransport, EveryEngineUseWaitsForTheWorkingState) {
+  StartQuietly();
+  ClientSession& client = SubscribeEvery(5000);
+  ASSERT_TRUE(client.SetProperty(DriverKey(2), Variant::Bool(true)).Accepted());
+  Settle();
+  client.Unsubscribe();
+  Settle();
+  EXPECT_EQ(SwitchRadio(1), S_OK);
+  EXPECT_THAT(Calls("IWDFDevice2::StopIdle"), testing::Ge(4U));
+  EXPECT_EQ(rig_->host().device()->UnwaitedStopIdles(), 0);
 }
 
 TEST_F(AtTransport, CommandsLeaveNoObjectBehindInTheFramework) {

@@ -168,7 +168,8 @@ HRESULT FxDevice::CreateRequest(IUnknown* callbackInterface, IWDFObject* parentO
   });
 }
 
-HRESULT FxDevice::StopIdle(BOOL) {
+HRESULT FxDevice::StopIdle(BOOL waitForD0) {
+  if (waitForD0 == FALSE) ++unwaitedStopIdles_;
   // Counted whatever the result, a planned failure too: each call has to be matched by one
   // ResumeIdle.
   if (IsUsable()) ++idleHolds_;

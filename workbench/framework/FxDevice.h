@@ -50,6 +50,8 @@ class FxDevice final : public FxObject<IWDFDevice3, IWDFUsbTargetFactory> {
   std::optional<WUDF_DEVICE_POWER_POLICY_IDLE_SETTINGS> IdleSettings() const;
   /// StopIdle calls less ResumeIdle calls.
   int IdleHolds() const { return idleHolds_; }
+  /// StopIdle calls that did not wait for the working state.
+  int UnwaitedStopIdles() const { return unwaitedStopIdles_; }
 
   // ---- What the host tells it.
   void EnteredWorkingState() { wasWorking_ = true; }
@@ -142,6 +144,7 @@ class FxDevice final : public FxObject<IWDFDevice3, IWDFUsbTargetFactory> {
   const FxDeviceInit::Choices choices_;
   DeviceCallbackSet callbacks_;
   std::atomic<int> idleHolds_{0};
+  std::atomic<int> unwaitedStopIdles_{0};
   std::atomic<bool> wasWorking_{false};
   mutable std::mutex mutex_;  // guards what follows
   FxQueue* defaultQueue_ = nullptr;

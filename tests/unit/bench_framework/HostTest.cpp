@@ -241,6 +241,16 @@ TEST(Idle, AStopThatIsPlannedToFailIsStillMatchedByAResume) {
   EXPECT_THAT(bench.ledger.Violations(), IsEmpty());
 }
 
+TEST(Idle, AStopThatDoesNotWaitForTheWorkingStateIsCounted) {
+  Bench bench;
+  bench.host->AddDevice();
+  bench.host->Start();
+  bench.host->device()->StopIdle(TRUE);
+  EXPECT_EQ(bench.host->device()->UnwaitedStopIdles(), 0);
+  bench.host->device()->StopIdle(FALSE);
+  EXPECT_EQ(bench.host->device()->UnwaitedStopIdles(), 1);
+}
+
 TEST(Idle, TheRuleAboutTheFirstWorkingStateCanBeLifted) {
   DevicePlan plan;
   plan.stopIdleNeedsD0 = false;

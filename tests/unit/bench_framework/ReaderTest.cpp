@@ -74,6 +74,15 @@ TEST(Reader, BytesLeftByADeletedTargetComeToTheNextOne) {
   EXPECT_THAT(bench.got.WaitFor(1), ElementsAre("kept"));
 }
 
+TEST(Reader, AStopThatDoesNotCancelTheReadIsCaught) {
+  ReaderBench bench;
+  bench.state->Start();
+  bench.state->Stop(WdfIoTargetWaitForSentIoToComplete);
+  bench.state->Start();
+  bench.state->Stop(WdfIoTargetLeaveSentIoPending);
+  EXPECT_EQ(bench.ledger.Count(rule::kUnexpectedCall), 2U);
+}
+
 TEST(Reader, StopWaitsForARunningCallback) {
   ReaderBench bench;
   Collected inside(bench.clock);
