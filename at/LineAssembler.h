@@ -30,13 +30,6 @@ class BasicLineAssembler {
     while (const std::optional<Line> line = NextLine()) sink(*line);
   }
 
-  /// Forgets all bytes that have not been handed on.
-  void Clear() {
-    buffer_.clear();
-    begin_ = 0;
-    searched_ = 0;
-  }
-
  private:
   void DropHandedOn() {
     if (begin_ < buffer_.size() - begin_) return;

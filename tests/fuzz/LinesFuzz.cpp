@@ -53,11 +53,5 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   while (Feed(assembler, {}, lines)) {
   }
   fuzz::RequireSameValues("line", lines, fuzz::ReferenceLines(stream));
-
-  // A cleared assembler starts afresh.
-  assembler.Clear();
-  lines.clear();
-  Feed(assembler, "fresh\r\n", lines);
-  fuzz::RequireSameValues("line after the clearing", lines, {"fresh"});
   return 0;
 }

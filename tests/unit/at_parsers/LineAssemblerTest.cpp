@@ -84,24 +84,6 @@ TEST(LineAssembler, EmptyBlockChangesNothing) {
   EXPECT_EQ(receiver.lines, Lines{"ab"});
 }
 
-TEST(LineAssembler, ClearForgetsTheUnfinishedLine) {
-  Receiver receiver;
-  receiver.Feed("a\nunfinished");
-  receiver.assembler.Clear();
-  receiver.Feed("b\n");
-  EXPECT_EQ(receiver.lines, (Lines{"a", "b"}));
-}
-
-TEST(LineAssembler, ClearForgetsLinesThatAThrowingSinkLeft) {
-  Receiver receiver;
-  receiver.failing = true;
-  EXPECT_THROW(receiver.Feed("a\nb\nc\n"), std::runtime_error);
-  receiver.assembler.Clear();
-  receiver.failing = false;
-  receiver.Feed("d\n");
-  EXPECT_EQ(receiver.lines, (Lines{"a", "d"}));
-}
-
 TEST(LineAssembler, LineOfThrowingSinkIsNotRepeatedAndTheRestComesWithTheNextBlock) {
   Receiver receiver;
   receiver.failing = true;
