@@ -11,10 +11,11 @@
 
 namespace stelvane {
 
+/// A text that cannot be read leaves `text` as it was.
 inline HRESULT NodeText(IXMLDOMNode* node, std::string& text) {
   Bstr value;
   const HRESULT result = node->get_text(value.Put());
-  text = value.Narrow();
+  if (SUCCEEDED(result)) text = value.Narrow();
   return result;
 }
 
