@@ -1,5 +1,6 @@
 #include "modem/EngineBringUp.h"
 
+#include <new>
 #include <string>
 
 #include "modem/EngineBringUp.trace.h"
@@ -21,7 +22,7 @@ std::string ClockText(const SYSTEMTIME& utc) {
 
 }  // namespace
 
-HRESULT EngineBringUp::InitializeEngine() {
+HRESULT EngineBringUp::InitializeEngine() noexcept {
   TRACE(BringUpStarts);
   const EngineUse use(the_.channel);
   RETURN_IF_FAILED(TurnEchoOn(), EchoFailed);
@@ -41,7 +42,7 @@ HRESULT EngineBringUp::InitializeEngine() {
     TRACE(QosNotSet, result);
     result = S_OK;
   }
-  SetModemClock();
+  if (const HRESULT set = SetModemClock(); FAILED(set)) TRACE(ClockNotSet, set);
   the_.supl.ConfigureSupl();
   TRACE(BringUpEnds, result);
   return result;
@@ -57,12 +58,13 @@ HRESULT EngineBringUp::TurnEchoOn() {
   return result;
 }
 
-void EngineBringUp::SetModemClock() {
+HRESULT EngineBringUp::SetModemClock() {
   SYSTEMTIME utc = {};
   GetSystemTime(&utc);
-  if (const HRESULT result = the_.engine.SendCommand("AT", "CCLK", ClockText(utc));
-      FAILED(result)) {
-    TRACE(ClockNotSet, result);
+  try {
+    return the_.engine.SendCommand("AT", "CCLK", ClockText(utc));
+  } catch (const std::bad_alloc&) {
+    return E_OUTOFMEMORY;
   }
 }
 

@@ -9,7 +9,7 @@
 
 namespace stelvane {
 
-/// Runs on the worker thread, under the state machine's bring-up lock. May throw std::bad_alloc.
+/// Runs on the worker thread, under the state machine's bring-up lock.
 class EngineBringUp {
  public:
   struct Partners {
@@ -26,11 +26,11 @@ class EngineBringUp {
   /// Echo on, hand-over if the registry asks for it (then nothing more, and success), switch
   /// query, quality of service, clock, SUPL. The first failure of echo or switch query is
   /// returned; what comes after the switch query cannot fail the bring-up.
-  HRESULT InitializeEngine();
+  HRESULT InitializeEngine() noexcept;
 
  private:
   HRESULT TurnEchoOn();
-  void SetModemClock();
+  HRESULT SetModemClock();
 
   const Partners the_;
 };

@@ -1,13 +1,24 @@
 #include "modem/SuplProvisioning.h"
 
+#include <new>
+
 #include "modem/ErrorReport.h"
 #include "modem/SuplConfigFile.h"
 #include "modem/SuplProvisioning.trace.h"
 
 namespace stelvane {
 
-HRESULT SuplProvisioning::ConfigureSupl() {
+HRESULT SuplProvisioning::ConfigureSupl() noexcept {
   const EngineUse use(channel_);
+  try {
+    return ReadSimAndConfigure();
+  } catch (const std::bad_alloc&) {
+    TRACE(ProvisioningOutOfMemory);
+    return S_OK;
+  }
+}
+
+HRESULT SuplProvisioning::ReadSimAndConfigure() {
   const HRESULT result = engine_.SendCommand("AT+CIMI");
   if (FAILED(result)) {
     ReportError("Not Configuring SUPL Information", result);

@@ -9,8 +9,8 @@
 
 namespace stelvane {
 
-/// Runs on the worker thread, inside bring-up or a start, and never fails its caller. May throw
-/// std::bad_alloc.
+/// Runs on the worker thread, in bring-up, before a start and on EV_INIT_SUPL, and never fails its
+/// caller.
 class SuplProvisioning {
  public:
   SuplProvisioning(AtChannel& channel, CommandEngine& engine, ModemAnswers& answers)
@@ -18,9 +18,10 @@ class SuplProvisioning {
 
   /// Reads the SIM's identity and, when it is not the one provisioned last, writes the operator's
   /// settings. Not negative in any case.
-  HRESULT ConfigureSupl();
+  HRESULT ConfigureSupl() noexcept;
 
  private:
+  HRESULT ReadSimAndConfigure();
   HRESULT WriteSettings(HRESULT result);
 
   AtChannel& channel_;

@@ -1,5 +1,6 @@
 #include "modem/UsbProfileSwitch.h"
 
+#include <new>
 #include <string>
 
 #include "modem/UsbProfileSwitch.trace.h"
@@ -29,9 +30,20 @@ std::string Quoted(std::string_view text) {
 
 }  // namespace
 
-HRESULT UsbProfileSwitch::DisableInternalGnssIfRequested() {
+HRESULT UsbProfileSwitch::DisableInternalGnssIfRequested() noexcept {
   if (!IsInternalGnssDisabled()) return kInternalGnssWanted;
   TRACE(HandOverStarts);
+  HRESULT result = E_OUTOFMEMORY;
+  try {
+    result = HandOver();
+  } catch (const std::bad_alloc&) {
+    TRACE(HandOverOutOfMemory);
+  }
+  TRACE(HandOverEnds, result);
+  return result;
+}
+
+HRESULT UsbProfileSwitch::HandOver() {
   QueryUsbProfile();
   HRESULT result = SetUsbProfile(std::nullopt);
   if (FAILED(result)) return result;
@@ -42,9 +54,7 @@ HRESULT UsbProfileSwitch::DisableInternalGnssIfRequested() {
     return result;
   }
   Sleep(kShutdownPauseMs);
-  result = ResetModem();
-  TRACE(HandOverEnds, result);
-  return result;
+  return ResetModem();
 }
 
 void UsbProfileSwitch::QueryUsbProfile() {

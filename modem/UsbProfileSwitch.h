@@ -21,9 +21,10 @@ class UsbProfileSwitch {
 
   /// 0 when the modem was handed over, kInternalGnssWanted when the registry does not ask for it,
   /// else the failure that stopped the hand-over.
-  HRESULT DisableInternalGnssIfRequested();
+  HRESULT DisableInternalGnssIfRequested() noexcept;
 
  private:
+  HRESULT HandOver();
   void QueryUsbProfile();
   /// Rewrites the modem's stored profile; none selects "MBIM".
   HRESULT SetUsbProfile(std::optional<std::string_view> profile);
