@@ -1,6 +1,7 @@
 // Line cutting: bytes a second, over the sizes of the blocks that the stream comes in.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 
