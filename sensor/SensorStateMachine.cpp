@@ -3,6 +3,7 @@
 #include "sensor/Calendar.h"
 #include "sensor/Events.h"
 #include "sensor/SensorStateMachine.trace.h"
+#include "sensor/StateTable.h"
 
 namespace stelvane {
 
@@ -13,38 +14,6 @@ constexpr std::uint32_t kFakeClientInterval = 1000;  // ms
 constexpr std::uint32_t kNextFixNearSeconds = 2;
 constexpr std::uint64_t kMsPerSecond = 1000;
 constexpr std::int64_t kCheckToleranceMs = 50;
-
-constexpr unsigned Bit(std::uint32_t state) {
-  return 1U << state;
-}
-constexpr unsigned kAnyState = ~0U;
-
-// The state table: on `event` a state out of `from` becomes `to`; all others stay.
-struct Transition {
-  std::uint32_t event;
-  unsigned from;
-  std::uint32_t to;
-};
-constexpr Transition kTransitions[] = {
-    {EV_FIRST_CLIENT_CONNECTED, Bit(SENSOR_STATE_NO_DATA) | Bit(SENSOR_STATE_ERROR),
-     SENSOR_STATE_INITIALIZING},
-    {EV_LAST_CLIENT_DISCONNECTED, Bit(SENSOR_STATE_INITIALIZING), SENSOR_STATE_NO_DATA},
-    {EV_DATA_ARRIVED, Bit(SENSOR_STATE_NO_DATA) | Bit(SENSOR_STATE_INITIALIZING),
-     SENSOR_STATE_READY},
-    {EV_SINGLE_SHOT_ERROR_RECEIVED, kAnyState, SENSOR_STATE_NO_DATA},
-    {EV_RADIO_ON, Bit(SENSOR_STATE_NOT_AVAILABLE), SENSOR_STATE_NO_DATA},
-    {EV_RADIO_OFF, kAnyState, SENSOR_STATE_NOT_AVAILABLE},
-    {EV_DATA_REQUESTED, Bit(SENSOR_STATE_NO_DATA) | Bit(SENSOR_STATE_ERROR),
-     SENSOR_STATE_INITIALIZING},
-    {EV_FIX_LOST, Bit(SENSOR_STATE_READY), SENSOR_STATE_INITIALIZING},
-};
-
-bool IsExpected(std::uint32_t event) {
-  for (const Transition& row : kTransitions) {
-    if (row.event == event) return true;
-  }
-  return event == EV_REFRESH_REPORTING || event == EV_INIT || event == EV_CLEAR_ASSISTANCE_DATA;
-}
 
 // In 32 bits: for kNoInterval this is 0xFFFFFFFE, about 49.7 days and not "off"; it is meant.
 std::uint32_t Twice(std::uint32_t interval) {
@@ -58,19 +27,6 @@ std::uint32_t SecondsSince(const SYSTEMTIME& time) {
 }
 
 }  // namespace
-
-std::uint32_t NextState(std::uint32_t state, std::uint32_t event, bool fixRequestActive,
-                        std::uint32_t currentInterval) {
-  // An engine error matters to a single fix and to intervals below the longest periodic one.
-  if (event == EV_SINGLE_SHOT_ERROR_RECEIVED && !fixRequestActive &&
-      currentInterval >= kLongestPeriodicInterval) {
-    return state;
-  }
-  for (const Transition& row : kTransitions) {
-    if (row.event == event && (row.from & Bit(state)) != 0) return row.to;
-  }
-  return state;
-}
 
 HRESULT SensorStateMachine::Initialize() {
   HRESULT result = requestLock_.Initialize();
@@ -89,7 +45,7 @@ void SensorStateMachine::Reset() {
 
 void SensorStateMachine::HandleEvent(std::uint32_t event) {
   TRACE(EventHandled, EventName(event), SensorStateName(state_));
-  if (!IsExpected(event)) TRACE(UnexpectedEvent, event);
+  if (!IsExpectedEvent(event)) TRACE(UnexpectedEvent, event);
   if (const auto next = NextState(state_, event, fixRequestActive_, currentInterval_);
       next != state_) {
     ChangeState(event, next);

@@ -17,10 +17,6 @@
 
 namespace stelvane {
 
-/// The state that follows `state` on `event`; the last two matter for engine errors only.
-std::uint32_t NextState(std::uint32_t state, std::uint32_t event, bool fixRequestActive,
-                        std::uint32_t currentInterval);
-
 /// HandleEvent and HandleTimer run on the worker thread, one at a time. The atomic fields are read
 /// and reset by device callbacks and clients too; the two events are what a client's read waits on.
 class SensorStateMachine {

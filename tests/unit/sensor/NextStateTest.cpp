@@ -1,4 +1,4 @@
-// The whole state table, written out by hand.
+// The whole state table, written out by hand, and the events that it knows.
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 
 #include "modem/ClientTable.h"
 #include "sensor/Events.h"
-#include "sensor/SensorStateMachine.h"
+#include "sensor/StateTable.h"
 
 namespace stelvane {
 namespace {
@@ -79,6 +79,15 @@ TEST(NextState, AnEngineErrorAtEightSecondsAndAboveWithoutASingleFixChangesNothi
       EXPECT_EQ(NextState(state, EV_SINGLE_SHOT_ERROR_RECEIVED, false, interval), state)
           << SensorStateName(state) << ", interval " << interval;
     }
+  }
+}
+
+TEST(ExpectedEvents, AllButTheSuplRequestTheUnnamedOneAndThoseOutsideTheTable) {
+  for (const std::uint32_t event : {1U, 2U, 3U, 4U, 5U, 6U, 8U, 9U, 10U, 11U, 13U}) {
+    EXPECT_TRUE(IsExpectedEvent(event)) << EventName(event);
+  }
+  for (const std::uint32_t event : {0U, 7U, 12U, 14U, 0xFFFFFFFFU}) {
+    EXPECT_FALSE(IsExpectedEvent(event)) << event;
   }
 }
 
