@@ -2,10 +2,10 @@
 
 #include <objbase.h>
 
-#include <atomic>
 #include <stdexcept>
 #include <utility>
 
+#include "workbench/framework/CountedObject.h"
 #include "workbench/sensorapi/ClassExtension.h"
 
 namespace bench {
@@ -17,31 +17,7 @@ struct SensorFace::State {
 
 namespace {
 
-template <class Interface>
-class Counted : public Interface {
- public:
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-    const bool known = IsEqualGUID(iid, iidOf<IUnknown>) || IsEqualGUID(iid, iidOf<Interface>);
-    *object = known ? static_cast<Interface*>(this) : nullptr;
-    if (!known) return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
-
- protected:
-  virtual ~Counted() = default;
-
- private:
-  std::atomic<ULONG> references_{0};
-};
-
-class Extension final : public Counted<ISensorClassExtension> {
+class Extension final : public CountedObject<ISensorClassExtension> {
  public:
   explicit Extension(std::shared_ptr<SensorFace::State> state)
       : state_(std::move(state)),
@@ -76,7 +52,7 @@ class Extension final : public Counted<ISensorClassExtension> {
   const stelvane::ComPtr<ClassExtension> real_;
 };
 
-class Factory final : public Counted<IClassFactory> {
+class Factory final : public CountedObject<IClassFactory> {
  public:
   explicit Factory(std::shared_ptr<SensorFace::State> state) : state_(std::move(state)) {}
 

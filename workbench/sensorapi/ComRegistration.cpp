@@ -3,13 +3,13 @@
 #include <objbase.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cstddef>
 #include <stdexcept>
 #include <string>
 
 #include "platform/PortableDevices.h"
 #include "platform/SensorClassExtension.h"
+#include "workbench/framework/CountedObject.h"
 #include "workbench/sensorapi/ClassExtension.h"
 #include "workbench/sensorapi/PortableDeviceCollections.h"
 
@@ -50,24 +50,9 @@ ComPtr<IUnknown> NewObject(ApiClass which, SensorService& service) {
 }
 
 /// Held by COM while the class is registered; not audited, since COM counts as it likes.
-class ApiClassFactory final : public IClassFactory {
+class ApiClassFactory final : public CountedObject<IClassFactory> {
  public:
   ApiClassFactory(ApiClass which, SensorService& service) : which_(which), service_(service) {}
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-    if (object == nullptr) return E_POINTER;
-    const bool known = SameGuid(iid, iidOf<IUnknown>) || SameGuid(iid, iidOf<IClassFactory>);
-    *object = known ? this : nullptr;
-    if (!known) return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
 
   HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) override {
     if (object == nullptr) return E_POINTER;
@@ -81,12 +66,8 @@ class ApiClassFactory final : public IClassFactory {
   HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
 
  private:
-  // Not public in the derived class: only Release ends the object.
-  virtual ~ApiClassFactory() = default;
-
   const ApiClass which_;
   SensorService& service_;
-  std::atomic<ULONG> references_{0};
 };
 
 }  // namespace

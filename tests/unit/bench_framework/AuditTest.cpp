@@ -135,7 +135,7 @@ TEST(Audit, AnotherDriversObjectAsAnArgumentIsRefused) {
   EXPECT_EQ(bench.ledger.Count(rule::kForeignObject), 1U);
 }
 
-class NullAnswer final : public Counted<IPnpCallback> {
+class NullAnswer final : public CountedObject<IPnpCallback> {
  public:
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** object) override {
     *object = nullptr;
@@ -159,7 +159,7 @@ TEST(Audit, ACallbackObjectThatSucceedsWithoutAPointerIsCaught) {
   EXPECT_GT(bench.ledger.Count(rule::kQueryInterface), 0U);
 }
 
-class CleanupCallback final : public Counted<IObjectCleanup> {
+class CleanupCallback final : public CountedObject<IObjectCleanup> {
  public:
   explicit CleanupCallback(int& calls) : calls_(calls) {}
   void STDMETHODCALLTYPE OnCleanup(IWDFObject*) override { ++calls_; }

@@ -3,7 +3,6 @@
 
 #include <windows.h>
 
-#include <atomic>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -19,6 +18,7 @@
 #include "platform/WdfUsb.h"
 #include "workbench/clock/VirtualClock.h"
 #include "workbench/framework/CallRecord.h"
+#include "workbench/framework/CountedObject.h"
 #include "workbench/framework/FxDevice.h"
 #include "workbench/framework/FxDriver.h"
 #include "workbench/framework/FxUsbPipe.h"
@@ -29,37 +29,6 @@
 namespace bench {
 
 using stelvane::ComPtr;
-
-/// A counted object with the given interfaces; deletes itself.
-template <class Primary, class... Others>
-class Counted : public Primary, public Others... {
- public:
-  Counted() = default;
-  Counted(const Counted&) = delete;
-  Counted& operator=(const Counted&) = delete;
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-    *object = nullptr;
-    if (SameGuid(iid, iidOf<IUnknown>)) *object = static_cast<Primary*>(this);
-    if (SameGuid(iid, iidOf<Primary>)) *object = static_cast<Primary*>(this);
-    ((SameGuid(iid, iidOf<Others>) ? void(*object = static_cast<Others*>(this)) : void()), ...);
-    if (*object == nullptr) return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
-
- protected:
-  virtual ~Counted() = default;
-
- private:
-  std::atomic<ULONG> references_{0};
-};
 
 /// What a test makes of the driver. Left alone, every callback succeeds and does nothing.
 struct Script {
@@ -73,8 +42,9 @@ struct Script {
   std::function<BOOL(IWDFUsbTargetPipe*, HRESULT)> onReaderFailure;
 };
 
-class FakeDeviceCallbacks final : public Counted<IPnpCallback, IPnpCallbackHardware,
-                                                 IPnpCallbackSelfManagedIo, IFileCallbackCleanup> {
+class FakeDeviceCallbacks final
+    : public CountedObject<IPnpCallback, IPnpCallbackHardware, IPnpCallbackSelfManagedIo,
+                           IFileCallbackCleanup> {
  public:
   explicit FakeDeviceCallbacks(Script& script) : script_(script) {}
 
@@ -120,7 +90,7 @@ class FakeDeviceCallbacks final : public Counted<IPnpCallback, IPnpCallbackHardw
   Script& script_;
 };
 
-class FakeQueueCallback final : public Counted<IQueueCallbackDeviceIoControl> {
+class FakeQueueCallback final : public CountedObject<IQueueCallbackDeviceIoControl> {
  public:
   explicit FakeQueueCallback(Script& script) : script_(script) {}
   void STDMETHODCALLTYPE OnDeviceIoControl(IWDFIoQueue*, IWDFIoRequest* request, ULONG code, SIZE_T,
@@ -132,8 +102,8 @@ class FakeQueueCallback final : public Counted<IQueueCallbackDeviceIoControl> {
   Script& script_;
 };
 
-class FakeReader final : public Counted<IUsbTargetPipeContinuousReaderCallbackReadComplete,
-                                        IUsbTargetPipeContinuousReaderCallbackReadersFailed> {
+class FakeReader final : public CountedObject<IUsbTargetPipeContinuousReaderCallbackReadComplete,
+                                              IUsbTargetPipeContinuousReaderCallbackReadersFailed> {
  public:
   explicit FakeReader(Script& script) : script_(script) {}
   void STDMETHODCALLTYPE OnReaderCompletion(IWDFUsbTargetPipe*, IWDFMemory* memory, SIZE_T count,
@@ -149,7 +119,7 @@ class FakeReader final : public Counted<IUsbTargetPipeContinuousReaderCallbackRe
   Script& script_;
 };
 
-class FakeDriver final : public Counted<IDriverEntry> {
+class FakeDriver final : public CountedObject<IDriverEntry> {
  public:
   explicit FakeDriver(Script& script) : script_(script) {}
   HRESULT STDMETHODCALLTYPE OnInitialize(IWDFDriver*) override { return S_OK; }

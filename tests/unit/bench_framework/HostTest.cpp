@@ -194,7 +194,7 @@ TEST(Host, AnExceptionOutOfACallbackIsCaughtByName) {
               ElementsAre("exception left a callback: IPnpCallbackHardware::OnPrepareHardware"));
 }
 
-class Factory final : public Counted<IClassFactory> {
+class Factory final : public CountedObject<IClassFactory> {
  public:
   Factory(Script& script, bool knowsDriverEntry)
       : script_(script), knowsDriverEntry_(knowsDriverEntry) {}

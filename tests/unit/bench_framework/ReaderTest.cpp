@@ -276,7 +276,7 @@ TEST(Reader, DeletingTheTargetFromItsOwnReaderIsCaughtWithoutADeadlock) {
 
 TEST(Reader, MemoryKeptBeyondTheCallbackStaysReadable) {
   ReaderBench bench;
-  struct Keeper final : Counted<IUsbTargetPipeContinuousReaderCallbackReadComplete> {
+  struct Keeper final : CountedObject<IUsbTargetPipeContinuousReaderCallbackReadComplete> {
     explicit Keeper(Collected& notes) : got(notes) {}
     void STDMETHODCALLTYPE OnReaderCompletion(IWDFUsbTargetPipe*, IWDFMemory* memory, SIZE_T,
                                               PVOID) override {
