@@ -1,6 +1,7 @@
 # The native build: the portable sources against a stand-in for the kernel on POSIX threads
 # (tests/native), for the sanitizers, the fuzzer, coverage, the benchmarks and the lock annotations.
-if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+option(STELVANE_COVERAGE "count the lines and branches that tests take" OFF)
+if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND NOT STELVANE_COVERAGE)
   message(FATAL_ERROR "The native build needs clang++ (the native-* presets choose it)")
 endif()
 
@@ -23,6 +24,10 @@ set(native_bench_rooms clock framework sensorapi modem record trace)
 # Everything is compiled alike, GoogleTest too: half a sanitized program reports what is not there.
 add_compile_options(-fshort-wchar)
 add_compile_definitions(GTEST_HAS_STD_WSTRING=0)
+if(STELVANE_COVERAGE)
+  add_compile_options(-O0 -fno-inline --coverage -fprofile-update=atomic)
+  add_link_options(--coverage)
+endif()
 if(STELVANE_SANITIZE)
   set(sanitizers -fsanitize=${STELVANE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_compile_options(${sanitizers})
@@ -36,13 +41,14 @@ endif()
 
 # Clang 14 does not see that the library's strings are initialised constantly; the Windows build
 # checks that they are.
-if(CMAKE_CXX_COMPILER_VERSION VERSION_LESS 15)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 15)
   target_compile_definitions(stelvane_settings INTERFACE constinit=)
 endif()
 
 find_package(Threads REQUIRED)
 target_include_directories(stelvane_settings INTERFACE ${PROJECT_SOURCE_DIR}/tests/native/include)
-target_compile_options(stelvane_settings INTERFACE -Wthread-safety -Werror=thread-safety)
+target_compile_options(stelvane_settings INTERFACE
+  $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety;-Werror=thread-safety>)
 target_link_libraries(stelvane_settings INTERFACE Threads::Threads)
 include(cmake/Trace.cmake)
 
@@ -100,6 +106,7 @@ add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FR
 # Tests write numbers for the platform's 32-bit long; the Windows build checks them as such.
 add_library(windows_long INTERFACE)
 target_compile_options(windows_long INTERFACE
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-conversion>
   -Wno-shorten-64-to-32 -Wno-constant-conversion -Wno-c++11-narrowing)
 function(add_native_program name library)
   add_executable(${name} ${ARGN})

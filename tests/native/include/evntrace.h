@@ -17,6 +17,7 @@ inline constexpr ULONG TRACE_MESSAGE_SEQUENCE = 1;
 inline constexpr ULONG TRACE_MESSAGE_GUID = 2;
 inline constexpr ULONG TRACE_MESSAGE_TIMESTAMP = 8;
 inline constexpr ULONG TRACE_MESSAGE_SYSTEMINFO = 32;
+inline constexpr UCHAR TRACE_LEVEL_VERBOSE = 5;
 
 ULONG RegisterTraceGuidsW(WMIDPREQUEST callback, void* context, LPCGUID control, ULONG count,
                           PTRACE_GUID_REGISTRATION guids, LPCWSTR imagePath, LPCWSTR resourceName,
