@@ -1,6 +1,8 @@
-// Device callbacks: the order of start and stop, the shutdown guard, and what fails a start.
+// Device callbacks: the order of start and stop, and the shutdown guard.
 
+#include <atomic>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/driver/RigTest.h"
@@ -11,11 +13,14 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::IsSupersetOf;
 using testing::SizeIs;
 
 constexpr GUID kInterfaceClass = {
     0x1c60e337, 0x17c9, 0x42f7, {0x92, 0xfa, 0x39, 0xc5, 0x6e, 0x4b, 0x46, 0xe3}};
+// The messages of sensor/SensorCore.cpp, and the one that begins the stop.
+constexpr GUID kCoreMessages = {
+    0x144badba, 0x9576, 0x456f, {0xb9, 0x9f, 0x61, 0xff, 0xb7, 0xa1, 0x63, 0xb2}};
+constexpr USHORT kStopBegins = 13;
 
 class DeviceTest : public RigTest {
  protected:
@@ -28,10 +33,6 @@ class DeviceTest : public RigTest {
       }
     }
     return found;
-  }
-  HRESULT Prepare() {
-    EXPECT_EQ(rig().host().AddDevice(), S_OK);
-    return rig().host().PrepareHardware();
   }
   bool WorkerRuns() { return rig().redirector().Books().Alive(Resource::kRunningThread) > 0; }
 };
@@ -229,109 +230,39 @@ TEST_F(DeviceTest, WithoutASensorCoreTheInitializationPostsNothingAndNoFileIsPas
   EXPECT_EQ(callbacks().hardware->OnReleaseHardware(device()), S_OK);
 }
 
-TEST_F(DeviceTest, AContextThatCannotBeMadeFailsThePreparationWithEPointer) {
-  Load();
-  ASSERT_EQ(rig().host().AddDevice(), S_OK);
-  faults().Clear();
-  // The first lock is the queue callback's, the second the context's.
-  faults().FailImport("InitializeCriticalSectionAndSpinCount", 2, {FALSE, ERROR_NOT_ENOUGH_MEMORY});
-  EXPECT_EQ(rig().host().PrepareHardware(), E_POINTER);
-}
-
-TEST_F(DeviceTest, AnUnreadableDescriptionFailsThePreparationBeforeTheCoreIsMade) {
+TEST_F(DeviceTest, TwoReleasesAtOnceStopTheCoreOnce) {
+  std::atomic<int> stops{0};
   RigOptions options;
-  options.deviceDescription.reset();
-  Load(std::move(options));
-  EXPECT_EQ(Prepare(), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
-  EXPECT_EQ(rig().calls().Count("IWDFUsbTargetFactory::CreateUsbTargetDevice"), 0U);
-  EXPECT_FALSE(WorkerRuns());
-}
-
-TEST_F(DeviceTest, AnInstanceIdThatCannotBeReadDoesNotFailThePreparation) {
-  Load();
-  rig().calls().FailCall("IWDFDevice::RetrieveDeviceInstanceId", 1, E_FAIL);
-  EXPECT_EQ(Prepare(), S_OK);
-}
-
-TEST_F(DeviceTest, AnInstanceIdThatIsTooLongDoesNotFailThePreparation) {
-  RigOptions options;
-  options.device.instanceId = std::u16string(300, u'x');
-  Load(std::move(options));
-  EXPECT_EQ(Prepare(), S_OK);
-}
-
-TEST_F(DeviceTest, ADeviceListThatCannotBeMadeDoesNotFailThePreparation) {
-  Load();
-  faults().FailImport("SetupDiCreateDeviceInfoList", 1);
-  EXPECT_EQ(Prepare(), S_OK);
-}
-
-TEST_F(DeviceTest, ADeviceThatCannotBeOpenedDoesNotFailThePreparationAndLeavesTheListOpen) {
-  Load();
-  faults().FailImport("SetupDiOpenDeviceInfoW", 1);
-  EXPECT_EQ(Prepare(), S_OK);
-  Audit& books = rig().redirector().Books();
-  EXPECT_EQ(books.Alive(Resource::kDeviceInfoList), 1U);  // kept as it stands
-  for (const Leak& leak : books.Leaks()) {
-    if (leak.kind == Resource::kDeviceInfoList) books.Give(leak.kind, leak.value);
-  }
-}
-
-TEST_F(DeviceTest, BuffersThatCannotBeAllocatedAreUnexpected) {
-  Load();
-  ASSERT_EQ(rig().host().AddDevice(), S_OK);
-  // The allocations before them: the queue callback and the context.
-  faults().Clear();
-  faults().FailImport("malloc", 3);
-  EXPECT_EQ(rig().host().PrepareHardware(), E_UNEXPECTED);
-  EXPECT_EQ(faults().Failed(), 1U);
-}
-
-TEST_F(DeviceTest, AMissingClassExtensionIsUnexpectedAndTheRunningCoreIsStoppedByTheRelease) {
-  RigOptions options;
-  options.withheldClasses = {ApiClass::kClassExtension};
-  Load(std::move(options));
-  ASSERT_EQ(rig().host().AddDevice(), S_OK);
-  EXPECT_EQ(callbacks().hardware->OnPrepareHardware(device()), E_UNEXPECTED);
-  EXPECT_TRUE(WorkerRuns());
+  options.trace = TraceOptions{.listener = [&](const TraceRecord& message) {
+    if (IsEqualGUID(message.message, kCoreMessages) && message.number == kStopBegins) ++stops;
+  }};
+  Start(std::move(options));
+  std::atomic<HRESULT> second{E_PENDING};
+  Thread other;
+  std::atomic<bool> begun{false};
+  rig().calls().SetHook([&](const CallEntry& entry) {
+    // The core's stop deletes the USB device.
+    if (stops == 0 || entry.call != "IWDFObject::DeleteWdfObject" || begun.exchange(true)) return;
+    other = Thread(clock_, [&] { second = callbacks().hardware->OnReleaseHardware(device()); });
+    clock_.SleepFor(1);  // the other has come as far as it gets
+  });
   EXPECT_EQ(callbacks().hardware->OnReleaseHardware(device()), S_OK);
-  EXPECT_FALSE(WorkerRuns());
+  other.Join();
+  rig().calls().SetHook({});
+  EXPECT_TRUE(begun);
+  EXPECT_EQ(second, S_OK);
+  EXPECT_EQ(stops, 1);
+  EXPECT_EQ(rig().calls().Count("ISensorClassExtension::Uninitialize"), 1U);
 }
 
-TEST_F(DeviceTest, EachFailureOfTheClassExtensionOrTheInterfaceIsReturned) {
-  for (const char* call :
-       {"CoCreateInstance(SensorClassExtension)", "ISensorClassExtension::Initialize",
-        "IWDFDevice::CreateDeviceInterface", "IWDFDevice::AssignDeviceInterfaceState"}) {
-    VirtualClock clock;
-    Rig rig(clock);
-    rig.calls().FailCall(call, 1, E_ACCESSDENIED);
-    EXPECT_EQ(rig.Start(), E_ACCESSDENIED) << call;
-    rig.Shutdown();
-    EXPECT_THAT(rig.Findings(), testing::IsEmpty()) << call;
-  }
-}
-
-TEST_F(DeviceTest, AMissingDeviceValueFailsTheStart) {
-  for (const char16_t* name :
-       {u"DevManufacturer", u"DevModel", u"DevFriendlyName", u"DevSerialNumber"}) {
-    VirtualClock clock;
-    RigOptions options;
-    options.device.registry[u""].erase(name);
-    Rig rig(clock, std::move(options));
-    EXPECT_EQ(rig.Start(), HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
-    rig.Shutdown();
-    EXPECT_THAT(rig.Findings(), testing::IsEmpty());
-  }
-}
-
-TEST_F(DeviceTest, ADefaultQueueThatCannotBeCreatedDoesNotFailThePreparation) {
-  Load();
-  rig().calls().FailCall("IWDFDevice::CreateIoQueue", 1, E_FAIL);
-  EXPECT_EQ(rig().Start(), S_OK);
-  // Suspend and flush leave the queue alone that is not there.
-  EXPECT_EQ(rig().host().Stop(), S_OK);
-  EXPECT_EQ(rig().calls().Count("IWDFIoQueue::StopSynchronously"), 0U);
-  EXPECT_EQ(rig().calls().Count("IWDFIoQueue::PurgeSynchronously"), 0U);
+TEST_F(DeviceTest, ReleasingAnotherDeviceLeavesTheModuleDeviceInPlace) {
+  Start();
+  ASSERT_EQ(rig().host().PowerDown(), S_OK);
+  IWDFDevice* const another = nullptr;
+  EXPECT_EQ(callbacks().hardware->OnReleaseHardware(another), S_OK);
+  const ULONG held = device()->References();
+  EXPECT_EQ(callbacks().hardware->OnReleaseHardware(device()), S_OK);
+  EXPECT_EQ(device()->References(), held - 1);  // the module's own
 }
 
 TEST_F(DeviceTest, ReleasingTwiceStopsTheCoreOnce) {

@@ -1,11 +1,15 @@
 // Module entry, class factory and tracing, through the DLL's exports.
 
 #include <algorithm>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/WdfCallbacks.h"
 #include "tests/driver/RigTest.h"
+#include "tests/driver/SensorFace.h"
+#include "workbench/console/Program.h"
 
 namespace bench {
 namespace {
@@ -119,12 +123,26 @@ TEST_F(ModuleTest, TheModuleStaysWhileTheServerIsLocked) {
   EXPECT_EQ(rig().module().CanUnloadNow(), S_OK);
 }
 
-TEST_F(ModuleTest, TheModuleStaysWhileADeviceContextOrASensorCoreLives) {
+TEST_F(ModuleTest, TheModuleStaysUntilTheDriverObjectIsReleased) {
   Start();
   EXPECT_EQ(rig().module().CanUnloadNow(), S_FALSE);
   EXPECT_EQ(rig().host().Stop(), S_OK);
   EXPECT_EQ(rig().module().CanUnloadNow(), S_FALSE);
   rig().ReleaseDriver();
+  EXPECT_EQ(rig().module().CanUnloadNow(), S_OK);
+}
+
+TEST_F(ModuleTest, TheModuleStaysWhileASensorCoreLivesAfterTheDriverObjectWasReleased) {
+  RigOptions options;
+  options.withheldClasses = {ApiClass::kClassExtension};
+  Load(std::move(options));
+  const SensorFace face(rig());
+  ASSERT_EQ(rig().Start(), S_OK);
+  stelvane::ComPtr<ISensorDriver> core(face.Driver());
+  ASSERT_TRUE(core);
+  rig().ReleaseDriver();
+  EXPECT_EQ(rig().module().CanUnloadNow(), S_FALSE);
+  core.Reset();
   EXPECT_EQ(rig().module().CanUnloadNow(), S_OK);
 }
 
@@ -136,6 +154,21 @@ TEST_F(ModuleTest, TheModuleStaysWhileAnObjectLivesAfterTheDriverObjectWasReleas
   EXPECT_EQ(rig().module().CanUnloadNow(), S_FALSE);  // the callback object lives
   context.Reset();
   EXPECT_EQ(rig().module().CanUnloadNow(), S_OK);
+}
+
+TEST_F(ModuleTest, OutOfMemoryForTheClassFactoryIsSaidAndTheNextRequestMakesIt) {
+  Redirector redirector(clock_);
+  const DriverModule module(ProgramFolder() / "Stelvane.dll", &redirector);
+  redirector.Faults().Clear();
+  redirector.Faults().FailImport("malloc", 1);
+  void* object = this;
+  EXPECT_EQ(module.GetClassObject(kDriverClass, iidOf<IClassFactory>, &object), E_OUTOFMEMORY);
+  EXPECT_EQ(object, nullptr);
+  stelvane::ComPtr<IClassFactory> factory;
+  EXPECT_EQ(module.GetClassObject(kDriverClass, iidOf<IClassFactory>,
+                                  reinterpret_cast<void**>(factory.Put())),
+            S_OK);
+  EXPECT_TRUE(factory);
 }
 
 TEST_F(ModuleTest, OutOfMemoryForTheDriverObjectIsSaid) {
@@ -171,6 +204,37 @@ TEST_F(ModuleTest, UnloadingUnregistersTheProvider) {
   Load();
   rig().Shutdown();
   EXPECT_THAT(rig().redirector().Tracing().Providers(), IsEmpty());
+}
+
+TEST_F(ModuleTest, AModuleWhoseLockCannotBeMadeIsNotLoadedAndLeavesNoProvider) {
+  Redirector redirector(clock_);
+  redirector.Faults().FailImport("InitializeCriticalSectionAndSpinCount", 1);
+  EXPECT_THROW(DriverModule(ProgramFolder() / "Stelvane.dll", &redirector), std::runtime_error);
+  EXPECT_EQ(redirector.Faults().CallCount("RegisterTraceGuidsW"), 1U);
+  EXPECT_THAT(redirector.Tracing().Providers(), IsEmpty());
+}
+
+TEST_F(ModuleTest, UnloadingReleasesTheFactoryAndDeletesTheLock) {
+  Redirector redirector(clock_);
+  {
+    const DriverModule module(ProgramFolder() / "Stelvane.dll", &redirector);
+    stelvane::ComPtr<IClassFactory> factory;
+    ASSERT_EQ(module.GetClassObject(kDriverClass, iidOf<IClassFactory>,
+                                    reinterpret_cast<void**>(factory.Put())),
+              S_OK);
+  }
+  EXPECT_EQ(redirector.Books().Report(), "");
+}
+
+TEST_F(ModuleTest, AFailedTraceRegistrationIsIgnoredAndEverySiteStaysSilent) {
+  RigOptions options;
+  options.beforeLoad = [](Redirector& redirector, CallRecord&) {
+    redirector.Faults().FailImport("RegisterTraceGuidsW", 1);
+  };
+  Load(std::move(options));
+  rig().redirector().Tracing().Enable(TRACE_LEVEL_VERBOSE, kAllFlags);
+  EXPECT_EQ(rig().Start(), S_OK);
+  EXPECT_EQ(faults().CallCount("TraceMessage"), 0U);
 }
 
 TEST_F(ModuleTest, WithoutAListenerNoTraceMessageIsCalled) {

@@ -2,8 +2,10 @@
 
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "base/ComObject.h"
 #include "tests/driver/RigTest.h"
 #include "workbench/sensorapi/QueuePath.h"
 
@@ -15,6 +17,7 @@ constexpr ULONG kReadPrevious = 0x89056004;
 constexpr ULONG kSwitch = 0x8905A008;
 constexpr ULONG kStorePrevious = 0x8905A00C;
 constexpr ULONG kSensorRead = 0x00404108;
+constexpr ULONG kSensorReadWrite = 0x0040C108;
 constexpr ULONG kUnknown = 0x89056008;
 constexpr HRESULT kNotSupported = static_cast<HRESULT>(0x80070032);
 constexpr HRESULT kModemError = static_cast<HRESULT>(0xA0000002);
@@ -25,6 +28,13 @@ std::string Word(ULONG value) {
   std::memcpy(bytes.data(), &value, sizeof(value));
   return bytes;
 }
+
+/// Of a queue that the driver did not make.
+class OtherQueueCallback final : public stelvane::ComObject<IQueueCallbackDeviceIoControl> {
+ public:
+  void STDMETHODCALLTYPE OnDeviceIoControl(IWDFIoQueue*, IWDFIoRequest*, ULONG, SIZE_T,
+                                           SIZE_T) noexcept override {}
+};
 
 class QueueTest : public RigTest {
  protected:
@@ -141,10 +151,60 @@ TEST_F(QueueTest, AnUnknownCodeIsNotSupportedAlsoInAShutdown) {
   EXPECT_EQ(Ask(kUnknown, "", 0), (Answer{kNotSupported, 0, ""}));
 }
 
+TEST_F(QueueTest, CodesThatDifferInOneBitOrAccessAreNotSupported) {
+  StartAndSettle();
+  for (const ULONG code : {0x00400108U, 0x00408108U, 0x0040410CU, 0x0040C10CU, 0x0040C109U,
+                           0x01404108U, 0x80404108U, 0x8905A000U, 0x89056008U, 0x89056001U}) {
+    EXPECT_EQ(Ask(code, "", 4), (Answer{kNotSupported, 0, std::string(4, '\0')}))
+        << std::hex << code;
+  }
+  EXPECT_EQ(rig().calls().Count("ISensorClassExtension::ProcessIoControl"), 0U);
+}
+
+TEST_F(QueueTest, AShutdownWaitsForTheRequestInFlight) {
+  RigOptions options;
+  options.modem.faults = *ParseFaults("on AT+XLCSSWITCH=0,1 late 500", "slow switch");
+  StartAndSettle(std::move(options));
+  const ClientRequest request = rig().host().SendIoControl(kSwitch, Word(1), 0);
+  ASSERT_FALSE(request.Wait(100));
+  rig().host().SurpriseRemoval();
+  EXPECT_TRUE(request.IsCompleted());
+}
+
+TEST_F(QueueTest, AClosedFileIsPassedOnUnlessAShutdownHasBegun) {
+  StartAndSettle();
+  const auto passedOn = [&] { return rig().calls().Count("ISensorClassExtension::CleanupFile"); };
+  rig().host().CleanupFile(rig().host().OpenFile());
+  EXPECT_EQ(passedOn(), 1U);
+  IWDFFile* const late = rig().host().OpenFile();
+  rig().host().SurpriseRemoval();
+  rig().host().CleanupFile(late);
+  EXPECT_EQ(passedOn(), 1U);
+}
+
+TEST_F(QueueTest, ADefaultQueueThatExistsAlreadyIsLeftUntouched) {
+  Load();
+  ASSERT_EQ(rig().host().AddDevice(), S_OK);
+  stelvane::ComPtr<OtherQueueCallback> callback;
+  ASSERT_EQ(stelvane::CreateObject(callback), S_OK);
+  stelvane::ComPtr<IWDFIoQueue> queue;
+  ASSERT_EQ(device()->CreateIoQueue(callback.Get(), TRUE, WdfIoQueueDispatchParallel, FALSE, TRUE,
+                                    queue.Put()),
+            S_OK);
+  queue.Reset();
+  ASSERT_EQ(rig().host().Start(), S_OK);
+  EXPECT_EQ(rig().calls().Count("IWDFDevice::CreateIoQueue"), 1U);  // the one above
+  EXPECT_EQ(rig().host().Stop(), S_OK);                             // with suspend and flush
+  EXPECT_EQ(rig().calls().Count("IWDFIoQueue::StopSynchronously"), 0U);
+  EXPECT_EQ(rig().calls().Count("IWDFIoQueue::Start"), 0U);
+  EXPECT_EQ(rig().calls().Count("IWDFIoQueue::PurgeSynchronously"), 0U);
+}
+
 TEST_F(QueueTest, PrivateAndSensorRequestsInAShutdownAreNotSupported) {
   StartAndSettle();
   rig().host().SurpriseRemoval();
-  for (const ULONG code : {kReadState, kReadPrevious, kSwitch, kStorePrevious, kSensorRead}) {
+  for (const ULONG code :
+       {kReadState, kReadPrevious, kSwitch, kStorePrevious, kSensorRead, kSensorReadWrite}) {
     EXPECT_EQ(Ask(code, Word(0), 4).status, kNotSupported) << std::hex << code;
     EXPECT_EQ(Ask(code, Word(0), 4).information, 0U) << std::hex << code;
   }
@@ -183,6 +243,22 @@ TEST_F(QueueTest, WithoutAContextPrivateRequestsFailAndSensorRequestsAreLeftAsTh
   rig.Shutdown();
   EXPECT_TRUE(ofTheSensor.IsAbandoned());
   // Kept as it stands: the host is left with a request that nobody completes.
+  EXPECT_THAT(rig.Findings(),
+              testing::ElementsAre(testing::HasSubstr(std::string(rule::kNeverCompleted))));
+}
+
+TEST_F(QueueTest, WithoutAClassExtensionSensorRequestsAreLeftAsTheyAre) {
+  RigOptions options;
+  options.withheldClasses = {ApiClass::kClassExtension};
+  Rig rig(clock_, std::move(options));
+  ASSERT_EQ(rig.host().AddDevice(), S_OK);
+  FxDevice* const device = rig.host().device();
+  ASSERT_EQ(device->callbacks().hardware->OnPrepareHardware(device), E_UNEXPECTED);
+  const ClientRequest request = rig.host().SendIoControl(kSensorReadWrite, "", 4);
+  EXPECT_FALSE(request.Wait(1000));
+  EXPECT_EQ(device->callbacks().hardware->OnReleaseHardware(device), S_OK);
+  rig.Shutdown();
+  EXPECT_TRUE(request.IsAbandoned());
   EXPECT_THAT(rig.Findings(),
               testing::ElementsAre(testing::HasSubstr(std::string(rule::kNeverCompleted))));
 }
