@@ -39,7 +39,7 @@ void EngineUseRules::ResumeIdle(Millis at, bool sure) {
 }
 
 bool EngineUseRules::MayHaveEnded(bool sure) const {
-  return ending_ || endedAt_ >= calmSince_ || (!sure && fixAt_ >= calmSince_);
+  return ending_ || endedAt_ >= calmSince_ || ((single_ || !sure) && fixAt_ >= calmSince_);
 }
 
 void EngineUseRules::Written(Millis at, std::string_view line, bool sure) {
@@ -52,26 +52,31 @@ void EngineUseRules::Written(Millis at, std::string_view line, bool sure) {
   const bool again = at - lastWritten_ >= kAttemptTime && at - lastWritten_ <= kCommandUnderWay;
   if (at - lastWritten_ > kCommandUnderWay) calmSince_ = at;
   lastWritten_ = at;
-  starting_ = line.starts_with("AT+XLCSLSR=");
-  startWrites_ = starting_ && again ? startWrites_ + 1 : 1;
+  const bool start = line.starts_with("AT+XLCSLSR=");
+  if (start) {
+    startWrites_ = starting_ && again ? startWrites_ + 1 : 1;
+    single_ = line.find(",,,,,,,") != std::string_view::npos;
+    startedAt_ = -1;
+  }
+  starting_ = start;
   idSaid_ = false;
-  if (starting_) startedAt_ = -1;
+  resultSaid_ = false;
 }
 
 void EngineUseRules::Said(Millis at, std::string_view line) {
   if (line.find("ERROR") != std::string_view::npos) {
     fair_ = false;
-    starting_ = false;
+    resultSaid_ = true;
     if (at == startedAt_) startedAt_ = -1;  // of two results at once either may count
     if (line.starts_with("+XLCSLSR: ")) endedAt_ = at;
   }
   if (line.starts_with("+XLSRSTOP")) endedAt_ = at;
   if (line.starts_with("$")) fixAt_ = at;
   if (line.starts_with("+XLCSLSR: request id")) idSaid_ = true;
-  if (line == "OK" && starting_ && idSaid_ && holds_ > 0 && at - lastWritten_ < kAttemptTime) {
-    startedAt_ = at;
-    starting_ = false;
-  }
+  if (line != "OK") return;
+  const bool inTime = holds_ > 0 && at - lastWritten_ < kAttemptTime;
+  if (starting_ && idSaid_ && !resultSaid_ && inTime) startedAt_ = at;
+  resultSaid_ = true;
 }
 
 void EngineUseRules::PowerUp(Millis at) {

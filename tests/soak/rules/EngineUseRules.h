@@ -12,7 +12,8 @@ namespace soak {
 ///   engine-use-talking   the device is held whenever a command is written; one that had to
 ///                        wait may have lost its hold to something that ended a request;
 ///   engine-use-kept      an accepted location request keeps the hold until something ends it: a
-///                        stop, an engine error, a fix while no short interval is sure, a power-up;
+///                        stop, an engine error, a fix of a request for one or while no short
+///                        interval is sure, a power-up;
 ///   engine-use-returned  without any fault in the run so far, nothing is held once nobody is
 ///                        connected.
 class EngineUseRules {
@@ -48,9 +49,11 @@ class EngineUseRules {
   Millis lastWritten_ = -1'000'000;
   Millis calmSince_ = 0;  // the last time that no command was under way for long
   Millis openedAt_ = -1;
-  bool starting_ = false;  // the last command is a location request, without a result yet
-  int startWrites_ = 0;
+  bool starting_ = false;  // the last command is a location request
   bool idSaid_ = false;
+  bool resultSaid_ = false;
+  int startWrites_ = 0;
+  bool single_ = false;    // the last location request is one for a single fix
   Millis startedAt_ = -1;  // when the modem accepted the request that runs; negative: none runs
   Millis endedAt_ = -1;    // the last thing that may end a request
   Millis fixAt_ = -1;      // the last fix; it ends a request unless the interval is short

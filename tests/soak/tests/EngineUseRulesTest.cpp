@@ -79,6 +79,26 @@ TEST_F(EngineUseRulesTest, ARequestThatLosesItsHoldAsItIsAccepted) {
   EXPECT_THAT(Broken(), ElementsAre("engine-use-kept"));
 }
 
+TEST_F(EngineUseRulesTest, AFixEndsARequestForASingleOne) {
+  rules.StopIdle(0);
+  rules.Written(0, "AT+XLCSLSR=1,1,,,,,,,,2,,", kSure);
+  rules.Said(5, "+XLCSLSR: request id 1");
+  rules.Said(5, "OK");
+  rules.Said(500, "$GPGGA,");
+  rules.ResumeIdle(500, kSure);
+  EXPECT_THAT(Broken(), IsEmpty());
+}
+
+TEST_F(EngineUseRulesTest, TheLastOfSevenAttemptsMayHaveBeenSilentForTheDriver) {
+  rules.StopIdle(0);
+  for (Millis at = 0; at < 7000; at += 1000) rules.Written(at, kStart, kSure);
+  rules.Said(6900, "+XLCSLSR: request id 1");
+  rules.Said(6900, "OK");
+  rules.Written(7000, "AT+XLCSSWITCH=1", kSure);
+  rules.ResumeIdle(7000, kSure);
+  EXPECT_THAT(Broken(), IsEmpty());
+}
+
 TEST_F(EngineUseRulesTest, ARequestWithoutAGoodResultKeepsNoHold) {
   rules.StopIdle(0);
   rules.Written(0, kStart, kSure);
