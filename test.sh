@@ -6,7 +6,7 @@
 # the number of tests that passed and failed; a step that fails without a failed test counts as one.
 set -u
 cd "$(dirname "$(realpath "${BASH_SOURCE[0]}")")" || exit 1
-steps=(format words windows-x64 windows-x86 lint native-asan native-tsan fuzz)
+steps=(format words windows-x64 windows-x86 lint native-asan native-tsan native-bench fuzz)
 results=build/log/results
 passed=0
 failed=0
@@ -37,6 +37,8 @@ runStep() {
     # annotations as errors.
     native-asan) buildAndTest native-asan ;;
     native-tsan) buildAndTest native-tsan ;;
+    # That they run, not how fast.
+    native-bench) buildAndTest native-bench ;;
     fuzz) build native-fuzz && tools/fuzz --minute ;;
   esac
 }

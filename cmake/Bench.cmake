@@ -1,9 +1,5 @@
 # The benchmarks (tests/bench), one program. They are tested to run; how long they take is no test.
-find_package(benchmark QUIET)
-if(NOT benchmark_FOUND)
-  message(FATAL_ERROR
-    "The preset native-bench needs Google Benchmark: tools/install-packages libbenchmark-dev")
-endif()
+find_package(benchmark REQUIRED)
 
 file(GLOB benchmarks CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/bench/*.cpp)
 add_executable(bench ${benchmarks} tests/native/rig/Rig.cpp tests/driver/SensorModem.cpp)
