@@ -1,6 +1,7 @@
 // Property calls as the driver's face gets them: several keys at once, missing arguments,
 // containers that fail.
 
+#include <atomic>
 #include <utility>
 #include <vector>
 
@@ -88,6 +89,19 @@ TEST_F(SensorPropertyCallTest, AnUnknownClientKeepsTheValuesBehindItsIntervalFro
   Settle();
   EXPECT_THAT(Log(Doing::kPosted), IsEmpty());
   EXPECT_EQ(ReadField1(*client), Variant::Ui4(1));
+}
+
+TEST_F(SensorPropertyCallTest, AValueThatCannotBeWrittenEndsTheReadAndIsTracedAsAnError) {
+  constexpr UCHAR kErrors = 2;
+  const auto client = Connect();
+  std::atomic<int> traced = 0;
+  TraceSession& tracing = rig().redirector().Tracing();
+  tracing.SetListener([&traced](const TraceRecord&) { ++traced; });
+  tracing.Enable(kErrors, ~ULONG{0});
+  rig().calls().FailCall("IPortableDeviceValues::SetUnsignedIntegerValue", 1, E_ABORT);
+  EXPECT_EQ(client->GetProperties({kField1}).result, E_ABORT);
+  EXPECT_EQ(traced, 1);
+  tracing.SetListener({});
 }
 
 TEST_F(SensorPropertyCallTest, TheOneSensorObjectHoldsTheAdvertisedPropertiesInTheirOrder) {
