@@ -1,6 +1,6 @@
-// Data reads, the freshness of data, and the fake client that a read between two slow fixes wakes.
+// Data reads, the freshness of data, and fixes that are lost.
 
-#include "tests/driver/SensorTest.h"
+#include "tests/driver/SensorReader.h"
 
 namespace bench {
 namespace {
@@ -9,47 +9,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-class SensorRead : public SensorTest {
- protected:
-  struct Result {
-    HRESULT result;
-    Millis took;
-    std::optional<KeyValues> values;
-  };
-  Result Read(ClientSession& client) {
-    const Millis from = clock_.Now();
-    SensorAnswer answer = client.ReadData({kLatitude});
-    return {
-        .result = answer.result, .took = clock_.Now() - from, .values = std::move(answer.values)};
-  }
-  // A subscriber in state ready; its second fix came at this time, which is returned.
-  Millis Ready(ULONG interval) {
-    StartSensor();
-    client_ = Subscriber(interval);
-    RunUntil(1000);
-    SayFix();
-    const Millis second = 1000 + static_cast<Millis>(interval);
-    RunUntil(second);
-    SayFix();
-    EXPECT_EQ(State(), SENSOR_STATE_READY);
-    EXPECT_EQ(ReportCount(), 2U);
-    Mark();
-    return second;
-  }
-  Result Read() { return Read(*client_); }
-  GnssFix FixAtLatitude(double latitude, double longitude) {
-    GnssFix fix = FixNow();
-    fix.latitude = latitude;
-    fix.longitude = longitude;
-    return fix;
-  }
-  void TearDown() override {
-    client_.reset();
-    SensorTest::TearDown();
-  }
-
-  Client client_;
-};
+using SensorRead = SensorReader;
 
 TEST_F(SensorRead, FreshDataAreReadAtOnceAndNothingIsPosted) {
   const Millis fix = Ready(5000);
@@ -268,68 +228,6 @@ TEST_F(SensorRead, ACheckThatAWakeUpBringsFiftyMillisecondsForwardFindsNothingAn
   RunFor(60'000);
   EXPECT_EQ(Posted("EV_FIX_LOST"), 0U);
   EXPECT_EQ(State(), SENSOR_STATE_READY);
-}
-
-// The fake client.
-
-TEST_F(SensorRead, AReadBetweenTwoSlowFixesLetsTheEngineReportEverySecondForAWhile) {
-  const Millis fix = Ready(8000);
-  RunUntil(fix + 3000);
-  const Later next(clock_, fix + 3400, [this] { modem().SayReport(FixNow()); });
-  EXPECT_EQ(Read().took, 400);
-  EXPECT_THAT(TimesOf(Periodic(1)), ElementsAre(fix + 3000));
-  Mark();
-  // Milliseconds less seconds: 8000 - 3.
-  RunUntil(fix + 3000 + 7997 - 1);
-  EXPECT_THAT(Requests(), IsEmpty());
-  RunUntil(fix + 3000 + 7997 + 1);
-  EXPECT_THAT(TimesOfTimer("TIMER_REMOVE_FAKE_CLIENT"), ElementsAre(fix + 3000 + 7997));
-  EXPECT_THAT(Requests(), ElementsAre("AT+XLSRSTOP=0,3", Periodic(8)));
-}
-
-TEST_F(SensorRead, WhileTheFakeClientIsThereEverySecondsFixIsReported) {
-  const Millis fix = Ready(8000);
-  RunUntil(fix + 3000);
-  Read();
-  const std::size_t before = ReportCount();
-  for (int second = 5; second <= 9; ++second) {
-    RunUntil(fix + second * 1000 + 100);
-    SayFix();
-  }
-  EXPECT_EQ(ReportCount(), before + 5);
-}
-
-TEST_F(SensorRead, AnotherReadWhileTheFakeClientIsThereStartsNothing) {
-  const Millis fix = Ready(8000);
-  RunUntil(fix + 2100);
-  Read();
-  Mark();
-  RunUntil(fix + 5000);
-  Read();
-  EXPECT_THAT(Requests(), IsEmpty());
-  RunFor(10'000);
-  EXPECT_THAT(TimesOfTimer("TIMER_REMOVE_FAKE_CLIENT"), SizeIs(1));
-}
-
-TEST_F(SensorRead, WhenTheNextFixIsDueWithinTwoSecondsNoFakeClientComes) {
-  const Millis fix = Ready(5000);
-  RunUntil(fix + 3000);  // three and two are not less than five
-  Read();
-  EXPECT_THAT(Requests(), IsEmpty());
-}
-
-TEST_F(SensorRead, WhenItIsDueALittleLaterTheFakeClientComes) {
-  const Millis fix = Ready(5000);
-  RunUntil(fix + 2500);  // an age of two whole seconds
-  Read();
-  EXPECT_THAT(TimesOf(Periodic(1)), ElementsAre(fix + 2500));
-}
-
-TEST_F(SensorRead, AtOneSecondThereIsNoFakeClient) {
-  const Millis fix = Ready(1000);
-  RunUntil(fix + 2500);
-  Read();
-  EXPECT_THAT(Requests(), IsEmpty());
 }
 
 TEST_F(SensorRead, AtALongIntervalAReadAsksForASingleFix) {

@@ -1,9 +1,8 @@
-// What a fix becomes: the 23 data fields, and which fixes are reported.
+// What a fix becomes: the 23 data fields.
 
 #include <vector>
 
 #include "tests/driver/SensorTest.h"
-#include "workbench/modem/ReportWriter.h"
 
 namespace bench {
 namespace {
@@ -200,139 +199,6 @@ TEST_F(SensorReport, KeysThatCannotBeCountedOrValuesThatCannotBeSetEndTheRead) {
   const SensorAnswer answer = client_->ReadData({kLatitude, keys::kTimestamp, kLatitude});
   EXPECT_EQ(answer.result, E_ABORT);
   EXPECT_THAT(answer.values.value(), SizeIs(1));
-}
-
-// Which fixes are reported.
-
-TEST_F(SensorReport, WithoutAnIntervalTheFixThatMakesTheSensorReadyIsReportedTwice) {
-  StartReporting();
-  SayFix();
-  EXPECT_EQ(ReportCount(), 2U) << "on the way into the state, and as any other fix";
-}
-
-TEST_F(SensorReport, WithoutAnIntervalEveryFixIsReported) {
-  StartReporting();
-  SayFix();
-  const std::size_t first = ReportCount();
-  for (int i = 1; i <= 3; ++i) {
-    RunFor(2500);  // not fresh any more: a read asks for a fix
-    const Later fix(clock_, clock_.Now() + 100, [this] { modem().SayReport(FixNow()); });
-    Read({kLatitude});
-    Settle();
-    EXPECT_EQ(ReportCount(), first + static_cast<std::size_t>(i));
-  }
-}
-
-TEST_F(SensorReport, AFixThreeSecondsAfterTheLastReportedOneAtFiveSecondsIsNotReported) {
-  StartSensor();
-  client_ = Subscriber(5000);
-  RunUntil(1000);
-  SayFix();
-  RunUntil(4000);
-  SayFix();
-  EXPECT_EQ(ReportCount(), 1U);
-  RunUntil(6000);
-  SayFix();
-  EXPECT_THAT(ReportTimes(), ElementsAre(1000, 6000));
-}
-
-TEST_F(SensorReport, ReportsAreSpacedByTheTimesOfTheFixesNotOfTheirArrival) {
-  StartSensor();
-  client_ = Subscriber(5000);
-  RunUntil(1000);
-  SayFix();
-  RunUntil(2000);
-  GnssFix fix = FixNow();
-  fix.time += std::chrono::seconds(4);
-  SayFix(fix);
-  EXPECT_EQ(ReportCount(), 2U);
-}
-
-TEST_F(SensorReport, AFixOfAnEarlierTimeIsReported) {
-  StartSensor();
-  client_ = Subscriber(5000);
-  RunUntil(1000);
-  SayFix();
-  GnssFix fix = FixNow();
-  fix.time -= std::chrono::seconds(60);
-  SayFix(fix);
-  EXPECT_EQ(ReportCount(), 2U);
-}
-
-TEST_F(SensorReport, WithoutASubscriberTheTimesStayAndTheNextSubscriberIsServedAtOnce) {
-  StartSensor();
-  client_ = Connect();
-  EXPECT_TRUE(client_->SetReportInterval(5000).Accepted());
-  Settle();
-  SayFix();
-  EXPECT_EQ(ReportCount(), 0U);
-  EXPECT_EQ(client_->Subscribe(), S_OK);
-  RunUntil(1000);
-  SayFix();  // one second after the fix that nobody saw
-  EXPECT_EQ(ReportCount(), 1U);
-}
-
-TEST_F(SensorReport, AReportThatTheClassExtensionRefusesLeavesTheTimesAndTheNextOneComes) {
-  StartSensor();
-  client_ = Subscriber(5000);
-  rig().calls().FailCall("ISensorClassExtension::PostEvent", 1, E_FAIL);
-  rig().calls().FailCall("ISensorClassExtension::PostEvent", 2, E_FAIL);
-  RunUntil(1000);
-  SayFix();  // refused on the way into the state and as a fix
-  EXPECT_EQ(ReportCount(), 0U);
-  RunUntil(2000);
-  SayFix();
-  EXPECT_THAT(ReportTimes(), ElementsAre(2000));
-}
-
-TEST_F(SensorReport, AReportWithAnImpossibleDateIsNotPostedAndTheNextOneIs) {
-  StartSensor();
-  client_ = Subscriber(5000);
-  RunUntil(1000);
-  std::string report = WriteReport(FixNow(), 2);
-  const std::string date = "2014/7/3";
-  const std::size_t place = report.find(date);
-  ASSERT_NE(place, std::string::npos);
-  modem().SayReport(report.replace(place, date.size(), "2014/13/45"));
-  Settle();
-  EXPECT_EQ(State(), SENSOR_STATE_READY);
-  EXPECT_EQ(ReportCount(), 0U);
-  RunUntil(2000);
-  SayFix();
-  EXPECT_THAT(ReportTimes(), ElementsAre(2000));
-}
-
-TEST_F(SensorReport, AContainerThatCannotBeMadeCostsThatReportOnly) {
-  StartSensor();
-  client_ = Subscriber(5000);
-  rig().calls().FailCall("CoCreateInstance(PortableDeviceValuesCollection)", 1, E_OUTOFMEMORY);
-  rig().calls().FailCall("CoCreateInstance(PortableDeviceKeyCollection)", 2, E_OUTOFMEMORY);
-  RunUntil(1000);
-  SayFix();
-  EXPECT_EQ(ReportCount(), 0U);
-  RunUntil(2000);
-  SayFix();
-  EXPECT_THAT(ReportTimes(), ElementsAre(2000));
-}
-
-TEST_F(SensorReport, AReportThatCannotBeFilledIsNotPostedAndTheNextOneIs) {
-  StartSensor();
-  client_ = Subscriber(5000);
-  SayFix();
-  std::vector<Millis> reported = ReportTimes();
-  for (const char* call :
-       {"CoCreateInstance(PortableDeviceValues)", "IPortableDeviceValues::SetGuidValue",
-        "IPortableDeviceValuesCollection::Add", "IPortableDeviceKeyCollection::Add"}) {
-    SCOPED_TRACE(call);
-    RunFor(5000);
-    rig().calls().FailCall(call, 1, E_OUTOFMEMORY);
-    SayFix();
-    EXPECT_EQ(ReportTimes(), reported);
-    RunFor(1000);
-    reported.push_back(clock_.Now());
-    SayFix();
-    EXPECT_EQ(ReportTimes(), reported);
-  }
 }
 
 }  // namespace
