@@ -13,7 +13,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdlib>
-#include <cstring>
+#include <new>
 
 namespace __cxxabiv1 {
 /// As the C++ ABI lays it out; a zeroed one is that of a thread that has thrown nothing yet.
