@@ -81,22 +81,28 @@ HRESULT SensorCore::PowerUp() {
     TRACE(NoModemToPowerUp);
     return E_FAIL;
   }
-  RETURN_IF_FAILED(modem->Channel().StartReading(true), ReadingNotStarted);
-  if (modem->Channel().EngineUseCount() < 1) return S_OK;
+  const HRESULT result = modem->Channel().StartReading(true);
+  if (FAILED(result)) {
+    TRACE(ReadingNotStarted, result);
+  } else if (modem->Channel().EngineUseCount() >= 1) {
+    Resume(*modem.Get());
+  }
+  return result;
+}
+
+void SensorCore::Resume(ModemControl& modem) {
   const std::uint32_t interval = machine_.CurrentInterval();
   const bool fixRequestActive = machine_.IsFixRequestActive();
   if (interval <= kLongestPeriodicInterval || fixRequestActive) {
-    modem->Channel().ReleaseEngineUse();
+    modem.Channel().ReleaseEngineUse();
   }
-  if (interval > kLongestPeriodicInterval) {
-    if (!fixRequestActive) return S_OK;
-    machine_.ClearFixRequest();
-    PostSensorEvent(EV_DATA_REQUESTED);
-  } else {
+  if (interval <= kLongestPeriodicInterval) {
     machine_.ForgetInterval();
     PostSensorEvent(EV_REFRESH_REPORTING);
+  } else if (fixRequestActive) {
+    machine_.ClearFixRequest();
+    PostSensorEvent(EV_DATA_REQUESTED);
   }
-  return S_OK;
 }
 
 HRESULT SensorCore::PowerDown() {

@@ -70,6 +70,7 @@ class SensorCore final : public PlainObject, private ModemListener {
   template <class Work>
   void Guarded(const char* what, Work&& work);
   HRESULT Prepare(IWDFDevice* device, ModemControl& modem);
+  void Resume(ModemControl& modem);
 
   EventQueue events_;
   Timers timers_;  // worker thread

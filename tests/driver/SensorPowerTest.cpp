@@ -79,6 +79,17 @@ TEST_F(SensorPower, AReaderThatDoesNotStartFailsThePowerUpAndNothingIsAskedForAg
   EXPECT_EQ(EngineUses(), 1);
 }
 
+TEST_F(SensorPower, TheResultOfThePowerUpIsThatOfTheReaderAlsoWhenItIsASuccess) {
+  StartSensor();
+  const auto client = Subscriber(5000);
+  EXPECT_EQ(rig().host().PowerDown(), S_OK);
+  rig().calls().FailCall("IWDFIoTargetStateManagement::Start", 1, S_FALSE);
+  Mark();
+  EXPECT_EQ(rig().host().D0Entry(WdfPowerDeviceD3), S_FALSE);
+  EXPECT_THAT(Log(Doing::kPosted), ElementsAre("EV_REFRESH_REPORTING"));
+  Settle();
+}
+
 TEST_F(SensorPower, AReaderThatDoesNotStopIsTheResultOfThePowerDown) {
   StartSensor();
   rig().calls().FailCall("IWDFIoTargetStateManagement::Stop", 1, E_ABORT);
