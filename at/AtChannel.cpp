@@ -13,10 +13,8 @@ namespace stelvane {
 namespace {
 
 // Puts the line, without a terminating zero, into a memory of its own and formats the write.
-HRESULT FillRequest(IWDFDevice* device, IWDFIoTarget* target, IWDFIoRequest* request,
-                    std::string_view line) {
-  ComPtr<IWDFFile> file;
-  target->GetTargetFile(file.Put());
+HRESULT FillRequest(IWDFDevice* device, IWDFIoTarget* target, IWDFFile* file,
+                    IWDFIoRequest* request, std::string_view line) {
   ComPtr<IWDFDriver> driver;
   device->GetDriver(driver.Put());
   ComPtr<IWDFMemory> memory;
@@ -25,9 +23,8 @@ HRESULT FillRequest(IWDFDevice* device, IWDFIoTarget* target, IWDFIoRequest* req
       WriteMemoryNotCreated);
   RETURN_IF_FAILED(memory->CopyFromBuffer(0, const_cast<char*>(line.data()), line.size()),
                    WriteMemoryNotFilled);
-  RETURN_IF_FAILED(
-      target->FormatRequestForWrite(request, file.Get(), memory.Get(), nullptr, nullptr),
-      WriteNotFormatted);
+  RETURN_IF_FAILED(target->FormatRequestForWrite(request, file, memory.Get(), nullptr, nullptr),
+                   WriteNotFormatted);
   return S_OK;
 }
 
@@ -95,10 +92,12 @@ HRESULT AtChannel::WriteLine(std::string_view line, Event& responseEvent) {
     TRACE(WriteTargetMissing, result);
     return E_FAIL;
   }
+  ComPtr<IWDFFile> file;
+  target->GetTargetFile(file.Put());
   ComPtr<IWDFIoRequest> request;
   RETURN_IF_FAILED(device_->CreateRequest(nullptr, target.Get(), request.Put()),
                    WriteRequestNotCreated);
-  HRESULT result = FillRequest(device_.Get(), target.Get(), request.Get(), line);
+  HRESULT result = FillRequest(device_.Get(), target.Get(), file.Get(), request.Get(), line);
   if (SUCCEEDED(result)) {
     responseEvent.Clear();
     result = SendAndWait(request.Get(), target.Get());

@@ -25,8 +25,9 @@ class CommandEngine {
 
   /// The write's own success status when the modem's final result held no "ERROR"; kNoFinalResult
   /// after the last silent attempt; kModemError on "ERROR" or when the core is stopping; E_FAIL
-  /// when the channel cannot be opened; else the result of the write that failed. With `holdPower`
-  /// an engine use is held around the command, and kept for an accepted location request.
+  /// when the channel cannot be opened; E_OUTOFMEMORY when the line cannot be put together; else
+  /// the result of the write that failed. With `holdPower` an engine use is held around the
+  /// command, and kept for an accepted location request.
   HRESULT SendCommand(std::string_view prefix, std::optional<std::string_view> name = std::nullopt,
                       std::optional<std::string_view> arguments = std::nullopt,
                       bool holdPower = true) noexcept EXCLUDES(commandLock_, responseLock_);

@@ -1,5 +1,6 @@
 // One AT command and its final result: attempts, time-outs, reopening, echoes.
 
+#include <algorithm>
 #include <cstring>
 
 #include "tests/driver/ModemTest.h"
@@ -14,10 +15,14 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 constexpr const char* kOpen = "IWDFUsbTargetFactory::CreateUsbTargetDevice";
+constexpr const char* kFirstOfWrite = "IUnknown::QueryInterface(IWDFIoTarget)";
 constexpr GUID kEngineMessages = {
     0xb03fb04c, 0xc7b4, 0x424f, {0xb1, 0x46, 0xc5, 0xa6, 0x80, 0xe0, 0x57, 0x2d}};
 constexpr USHORT kCommandEnds = 11;
-constexpr UCHAR kVerbose = TRACE_LEVEL_VERBOSE;
+
+auto IsCall(const char* name) {
+  return testing::Field(&CallEntry::call, name);
+}
 
 class AtCommand : public ModemTest {
  protected:
@@ -44,6 +49,29 @@ TEST_F(AtCommand, IsWrittenAsExactlyItsBytesWithCrLfAndNoTerminatingZero) {
   ASSERT_THAT(modem_->Writes(), SizeIs(5));
   EXPECT_EQ(modem_->Writes()[0].bytes, "ATE1\r\n");
   EXPECT_EQ(modem_->Writes()[2].bytes, "AT+XLCSLQOS=50\r\n");
+}
+
+TEST_F(AtCommand, IsWrittenByTheFrameworksCallsInTheirFixedOrder) {
+  StartQuietly();
+  const std::size_t before = rig_->calls().Calls().size();
+  EXPECT_EQ(SwitchRadio(0), S_OK);
+  std::vector<CallEntry> made = rig_->calls().Calls();
+  made.erase(made.begin(), made.begin() + static_cast<std::ptrdiff_t>(before));
+  made.erase(made.begin(), std::ranges::find(made, kFirstOfWrite, &CallEntry::call));
+  ASSERT_THAT(made, testing::Not(IsEmpty()));
+  // The answer is read on another thread.
+  std::erase_if(made, [writer = made.front().thread](const CallEntry& entry) {
+    return entry.thread != writer;
+  });
+  made.resize(std::min<std::size_t>(made.size(), 11));
+  EXPECT_THAT(
+      made, ElementsAre(IsCall(kFirstOfWrite), IsCall("IWDFIoTarget::GetTargetFile"),
+                        IsCall("IWDFDevice::CreateRequest"), IsCall("IWDFDevice::GetDriver"),
+                        IsCall("IWDFDriver::CreateWdfMemory"), IsCall("IWDFMemory::CopyFromBuffer"),
+                        IsCall("IWDFIoTarget::FormatRequestForWrite"),
+                        IsCall("IWDFIoRequest::Send"), IsCall("IWDFIoRequest::GetCompletionParams"),
+                        IsCall("IWDFRequestCompletionParams::GetCompletionStatus"),
+                        IsCall("IWDFObject::DeleteWdfObject")));
 }
 
 TEST_F(AtCommand, AnsweredWithOkSucceedsAfterOneWrite) {
@@ -225,7 +253,7 @@ TEST_F(AtCommand, NothingIsWrittenOnceTheCoreStops) {
 TEST_F(AtCommand, WhatIsNotWrittenBecauseTheCoreStopsFailsLikeARefusedCommand) {
   Build();
   modem_->Answer("ATE1", Silence());
-  rig_->redirector().Tracing().Enable(kVerbose, ~0U);
+  rig_->redirector().Tracing().Enable(TRACE_LEVEL_VERBOSE, ~0U);
   Start();
   Settle(500);
   ASSERT_EQ(rig_->host().Stop(), S_OK);

@@ -1,5 +1,7 @@
 // The hand-over of the modem that the registry asks for.
 
+#include <algorithm>
+
 #include "tests/driver/ModemTest.h"
 
 namespace bench {
@@ -51,6 +53,23 @@ TEST_F(ModemHandOver, SendsExactlyItsCommandsWithAPauseOf100MsAndNothingMore) {
   EXPECT_THAT(Commands(), ElementsAre("ATE1", kQuery, kSetMbim, kStore, kShutdown, kReset));
   EXPECT_THAT(modem_->TimesOf(kShutdown), ElementsAre(0));
   EXPECT_THAT(modem_->TimesOf(kReset), ElementsAre(100));
+}
+
+TEST_F(ModemHandOver, TracesTheSixFieldsOfTheProfileThatWasRead) {
+  constexpr GUID kProfileMessages = {
+      0xf1d25b68, 0x4ba4, 0x4769, {0xb5, 0xbb, 0x60, 0x3d, 0x5e, 0x3c, 0xe9, 0x62}};
+  constexpr USHORT kProfileRead = 13;
+  BuildDisabled();
+  rig_->redirector().Tracing().Enable(TRACE_LEVEL_VERBOSE, ~0U);
+  Start();
+  Settle(1000);
+  std::vector<std::string> profiles;
+  for (const TraceRecord& record : rig_->redirector().Tracing().TakeMessages()) {
+    if (!IsEqualGUID(record.message, kProfileMessages) || record.number != kProfileRead) continue;
+    std::string& fields = profiles.emplace_back(record.arguments.begin(), record.arguments.end());
+    std::ranges::replace(fields, '\0', '|');
+  }
+  EXPECT_THAT(profiles, ElementsAre("MBIM_GNSS|x|1234|v|5678|p|"));
 }
 
 TEST_F(ModemHandOver, CountsAsASuccessfulBringUpAndIsNotRepeated) {
