@@ -1,7 +1,6 @@
 // Clients that come, go, subscribe and set intervals: what each of it posts.
 
-#include "tests/driver/SensorFace.h"
-#include "tests/driver/SensorTest.h"
+#include "tests/driver/SensorFaceTest.h"
 #include "workbench/framework/FxFile.h"
 #include "workbench/sensorapi/PortableDeviceCollections.h"
 
@@ -133,37 +132,28 @@ TEST_F(SensorClient, HalfASecondIsRefusedAndPostsNothing) {
 }
 
 // Calls that the class extension would not make.
-class SensorDriverFace : public SensorTest {
+class SensorDriverFace : public SensorFaceTest {
  protected:
   void SetUp() override {
-    RigOptions options;
-    options.withheldClasses = {ApiClass::kClassExtension};
-    LoadSensor(std::move(options));
-    face_ = std::make_unique<SensorFace>(rig());
-    StartLoaded();
-    ASSERT_NE(face_->Driver(), nullptr);
+    StartWithFace();
     file_ = &Make<FxFile>(rig().sensors().world(), nullptr, "client file");
     Mark();
   }
   void TearDown() override {
     file_->Delete();
-    face_.reset();
-    SensorTest::TearDown();
+    SensorFaceTest::TearDown();
   }
-  ISensorDriver& Driver() { return *face_->Driver(); }
   ComPtr<IPortableDeviceKeyCollection> Keys(std::vector<PROPERTYKEY> wanted) {
     return ComPtr<IPortableDeviceKeyCollection>(
         MakeApiObject<PortableDeviceKeyCollection>(rig().sensors().world(), std::move(wanted))
             .Get());
   }
 
-  std::unique_ptr<SensorFace> face_;
   FxFile* file_ = nullptr;
-  WCHAR sensorId_[1] = {};
 };
 
 TEST_F(SensorDriverFace, AnUnknownClientThatDisconnectsFromAnEmptyTableIsTheLastOne) {
-  EXPECT_EQ(Driver().OnClientDisconnect(file_, sensorId_), S_OK);
+  EXPECT_EQ(Face()->OnClientDisconnect(file_, sensorId_), S_OK);
   Settle();
   EXPECT_THAT(Log(Doing::kPosted),
               ElementsAre("EV_REFRESH_REPORTING", "EV_LAST_CLIENT_DISCONNECTED"));
@@ -172,22 +162,22 @@ TEST_F(SensorDriverFace, AnUnknownClientThatDisconnectsFromAnEmptyTableIsTheLast
 TEST_F(SensorDriverFace, AnUnknownClientThatDisconnectsLeavesTheOthersThere) {
   const auto client = Connect();
   Mark();
-  EXPECT_EQ(Driver().OnClientDisconnect(file_, sensorId_), S_OK);
+  EXPECT_EQ(Face()->OnClientDisconnect(file_, sensorId_), S_OK);
   Settle();
   EXPECT_THAT(Log(Doing::kPosted), ElementsAre("EV_REFRESH_REPORTING"));
 }
 
 TEST_F(SensorDriverFace, ASubscriptionOfAnUnknownClientIsOnlyTraced) {
-  EXPECT_EQ(Driver().OnClientSubscribeToEvents(file_, sensorId_), S_OK);
-  EXPECT_EQ(Driver().OnClientUnsubscribeFromEvents(file_, sensorId_), S_OK);
+  EXPECT_EQ(Face()->OnClientSubscribeToEvents(file_, sensorId_), S_OK);
+  EXPECT_EQ(Face()->OnClientUnsubscribeFromEvents(file_, sensorId_), S_OK);
   Settle();
   EXPECT_THAT(Log(Doing::kPosted), IsEmpty());
 }
 
 TEST_F(SensorDriverFace, AReadWithoutFieldsOrWithoutAPlaceForTheValuesIsRefused) {
   ComPtr<IPortableDeviceValues> values;
-  EXPECT_EQ(Driver().OnGetDataFields(file_, sensorId_, nullptr, values.Put()), E_INVALIDARG);
-  EXPECT_EQ(Driver().OnGetDataFields(file_, sensorId_, Keys({kLatitude}).Get(), nullptr),
+  EXPECT_EQ(Face()->OnGetDataFields(file_, sensorId_, nullptr, values.Put()), E_INVALIDARG);
+  EXPECT_EQ(Face()->OnGetDataFields(file_, sensorId_, Keys({kLatitude}).Get(), nullptr),
             E_INVALIDARG);
   Settle();
   EXPECT_THAT(Log(Doing::kPosted), IsEmpty());
@@ -195,7 +185,7 @@ TEST_F(SensorDriverFace, AReadWithoutFieldsOrWithoutAPlaceForTheValuesIsRefused)
 
 TEST_F(SensorDriverFace, AReadThatFailsHandsItsEmptyValuesBack) {
   ComPtr<IPortableDeviceValues> values;
-  EXPECT_EQ(Driver().OnGetDataFields(file_, sensorId_, Keys({kLatitude}).Get(), values.Put()),
+  EXPECT_EQ(Face()->OnGetDataFields(file_, sensorId_, Keys({kLatitude}).Get(), values.Put()),
             E_FAIL);
   ASSERT_TRUE(values);
   DWORD count = 1;
@@ -206,13 +196,13 @@ TEST_F(SensorDriverFace, AReadThatFailsHandsItsEmptyValuesBack) {
 TEST_F(SensorDriverFace, AReadWithoutAValueContainerFailsAsItsCreationDoes) {
   rig().calls().FailCall("CoCreateInstance(PortableDeviceValues)", 1, E_OUTOFMEMORY);
   ComPtr<IPortableDeviceValues> values;
-  EXPECT_EQ(Driver().OnGetDataFields(file_, sensorId_, Keys({kLatitude}).Get(), values.Put()),
+  EXPECT_EQ(Face()->OnGetDataFields(file_, sensorId_, Keys({kLatitude}).Get(), values.Put()),
             E_OUTOFMEMORY);
   EXPECT_FALSE(values);
 }
 
 TEST_F(SensorDriverFace, WmiIsAcceptedAndDoesNothing) {
-  EXPECT_EQ(Driver().OnProcessWmi(nullptr, nullptr), S_OK);
+  EXPECT_EQ(Face()->OnProcessWmi(nullptr, nullptr), S_OK);
   Settle();
   EXPECT_THAT(Log(Doing::kPosted), IsEmpty());
   EXPECT_THAT(Commands(), IsEmpty());

@@ -2,13 +2,11 @@
 
 #include <objbase.h>
 
-#include <memory>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-#include "tests/driver/SensorFace.h"
-#include "tests/driver/SensorTest.h"
+#include "tests/driver/SensorFaceTest.h"
 
 namespace bench {
 namespace {
@@ -28,22 +26,8 @@ constexpr TracedMessage kStartFailed = {0xd958871d, 10};
 constexpr ULONG kCommandEngineMessages = 0xb03fb04c;
 constexpr TracedMessage kCommandEnds = {kCommandEngineMessages, 11};
 
-class SensorMemory : public SensorTest {
+class SensorMemory : public SensorFaceTest {
  protected:
-  void LoadWithFace() {
-    RigOptions options;
-    options.withheldClasses = {ApiClass::kClassExtension};
-    LoadSensor(std::move(options));
-    face_ = std::make_unique<SensorFace>(rig());
-    StartLoaded();
-    ASSERT_NE(face_->Driver(), nullptr);
-  }
-  void TearDown() override {
-    rig().ReleaseDriver();
-    face_.reset();
-    SensorTest::TearDown();
-  }
-  ISensorDriver& Sensor() { return *face_->Driver(); }
   void FailNext(std::string_view function) {
     faults().FailImport(function, faults().CallCount(function) + 1);
   }
@@ -59,33 +43,31 @@ class SensorMemory : public SensorTest {
     }
   }
 
-  std::unique_ptr<SensorFace> face_;
   bool simRead_ = false;
   std::vector<TracedMessage> start_;
-  WCHAR sensorId_[1] = {};
 };
 
 TEST_F(SensorMemory, TheListOfEventsThatCannotBeMadeIsNotGiven) {
-  LoadWithFace();
+  StartWithFace();
   GUID* events = nullptr;
   ULONG count = 5;
   FailNext("CoTaskMemAlloc");
-  EXPECT_EQ(Sensor().OnGetSupportedEvents(sensorId_, &events, &count), E_OUTOFMEMORY);
+  EXPECT_EQ(Face()->OnGetSupportedEvents(sensorId_, &events, &count), E_OUTOFMEMORY);
   EXPECT_EQ(events, nullptr);
   EXPECT_EQ(count, 0U);
   EXPECT_EQ(faults().Failed(), 1U);
-  EXPECT_EQ(Sensor().OnGetSupportedEvents(sensorId_, &events, &count), S_OK);
+  EXPECT_EQ(Face()->OnGetSupportedEvents(sensorId_, &events, &count), S_OK);
   EXPECT_EQ(count, 2U);
   CoTaskMemFree(events);
 }
 
 TEST_F(SensorMemory, AnEventThatTheQueueHasNoPlaceForIsLostAndTheOthersAreNot) {
-  LoadWithFace();
+  StartWithFace();
   Mark();
   FailNext("malloc");
   // Each of these posts two events.
   for (int i = 0; i < kEventsOfOneBlock / 2; ++i) {
-    EXPECT_EQ(Sensor().OnClientDisconnect(nullptr, sensorId_), S_OK);
+    EXPECT_EQ(Face()->OnClientDisconnect(nullptr, sensorId_), S_OK);
     Settle();
   }
   EXPECT_EQ(faults().Failed(), 1U);

@@ -5,8 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "tests/driver/SensorFace.h"
-#include "tests/driver/SensorTest.h"
+#include "tests/driver/SensorFaceTest.h"
 #include "workbench/sensorapi/PortableDeviceValues.h"
 
 namespace bench {
@@ -18,30 +17,9 @@ using testing::SizeIs;
 constexpr PROPERTYKEY kField1 = {kDriverSettings, 4};
 constexpr PROPERTYKEY kUnknown = {kDriverSettings, 99};
 
-class SensorPropertyCallTest : public SensorTest {
+class SensorPropertyCallTest : public SensorFaceTest {
  protected:
-  void SetUp() override {
-    RigOptions options;
-    options.withheldClasses = {ApiClass::kClassExtension};
-    LoadSensor(std::move(options));
-    face_ = std::make_unique<SensorFace>(rig());
-    StartLoaded();
-  }
-  void TearDown() override {
-    rig().ReleaseDriver();
-    face_.reset();
-    SensorTest::TearDown();
-  }
-  ISensorDriver& Sensor() { return *face_->Driver(); }
-  static stelvane::ComPtr<IPortableDeviceValues> OneValue(const PROPERTYKEY& key, ULONG value) {
-    stelvane::ComPtr<IPortableDeviceValues> values;
-    EXPECT_EQ(
-        CoCreateInstance(clsid::kPortableDeviceValues, nullptr, CLSCTX_INPROC_SERVER,
-                         iidOf<IPortableDeviceValues>, reinterpret_cast<void**>(values.Put())),
-        S_OK);
-    EXPECT_EQ(values->SetUnsignedIntegerValue(key, value), S_OK);
-    return values;
-  }
+  void SetUp() override { StartWithFace(); }
   stelvane::ComPtr<IPortableDeviceValues> Values(KeyValues content) {
     return stelvane::ComPtr<IPortableDeviceValues>(
         MakeApiObject<PortableDeviceValues>(rig().sensors().world(), std::move(content)).Get());
@@ -56,8 +34,6 @@ class SensorPropertyCallTest : public SensorTest {
     EXPECT_EQ(client.GetProperty(kField1, &value), S_OK);
     return value;
   }
-
-  std::unique_ptr<SensorFace> face_;
 };
 
 TEST_F(SensorPropertyCallTest, OfSeveralValuesThoseRefusedGetTheirErrorsAndTheOthersAreSet) {
@@ -65,9 +41,9 @@ TEST_F(SensorPropertyCallTest, OfSeveralValuesThoseRefusedGetTheirErrorsAndTheOt
   const auto values = Values({{kCurrentReportInterval, Variant::Ui4(999)},
                               {kField1, Variant::Ui4(9)},
                               {kUnknown, Variant::Ui4(1)}});
-  WCHAR id[] = L"";
   stelvane::ComPtr<IPortableDeviceValues> results;
-  EXPECT_EQ(Sensor().OnSetProperties(client->File(), id, values.Get(), results.Put()), S_FALSE);
+  EXPECT_EQ(Face()->OnSetProperties(client->File(), sensorId_, values.Get(), results.Put()),
+            S_FALSE);
   ASSERT_TRUE(results);
   const KeyValues errors = ContentOf(*results.Get());
   ASSERT_THAT(errors, SizeIs(2));
@@ -82,10 +58,9 @@ TEST_F(SensorPropertyCallTest, AnUnknownClientKeepsTheValuesBehindItsIntervalFro
   const auto client = Connect();
   const auto values =
       Values({{kCurrentReportInterval, Variant::Ui4(5000)}, {kField1, Variant::Ui4(9)}});
-  WCHAR id[] = L"";
   stelvane::ComPtr<IPortableDeviceValues> results;
   Mark();
-  EXPECT_EQ(Sensor().OnSetProperties(nullptr, id, values.Get(), results.Put()), E_UNEXPECTED);
+  EXPECT_EQ(Face()->OnSetProperties(nullptr, sensorId_, values.Get(), results.Put()), E_UNEXPECTED);
   Settle();
   EXPECT_THAT(Log(Doing::kPosted), IsEmpty());
   EXPECT_EQ(ReadField1(*client), Variant::Ui4(1));
@@ -106,7 +81,7 @@ TEST_F(SensorPropertyCallTest, AValueThatCannotBeWrittenEndsTheReadAndIsTracedAs
 
 TEST_F(SensorPropertyCallTest, TheOneSensorObjectHoldsTheAdvertisedPropertiesInTheirOrder) {
   stelvane::ComPtr<IPortableDeviceValuesCollection> objects;
-  ASSERT_EQ(Sensor().OnGetSupportedSensorObjects(objects.Put()), S_OK);
+  ASSERT_EQ(Face()->OnGetSupportedSensorObjects(objects.Put()), S_OK);
   DWORD count = 0;
   EXPECT_EQ(objects->GetCount(&count), S_OK);
   ASSERT_EQ(count, 1U);
@@ -123,41 +98,39 @@ TEST_F(SensorPropertyCallTest, TheOneSensorObjectHoldsTheAdvertisedPropertiesInT
 }
 
 TEST_F(SensorPropertyCallTest, AnUnknownClientEndsTheCallWithoutResults) {
-  WCHAR id[] = L"";
   for (const PROPERTYKEY& key : {kCurrentReportInterval, kDesiredAccuracy}) {
-    const auto values = OneValue(key, 5000);
+    const auto values = Values({{key, Variant::Ui4(5000)}});
     stelvane::ComPtr<IPortableDeviceValues> results;
-    EXPECT_EQ(Sensor().OnSetProperties(nullptr, id, values.Get(), results.Put()), E_UNEXPECTED);
+    EXPECT_EQ(Face()->OnSetProperties(nullptr, sensorId_, values.Get(), results.Put()),
+              E_UNEXPECTED);
     EXPECT_FALSE(results);
   }
 }
 
 TEST_F(SensorPropertyCallTest, MissingArgumentsAreInvalid) {
-  WCHAR id[] = L"";
-  const auto values = OneValue(kCurrentReportInterval, 5000);
+  const auto values = Values({{kCurrentReportInterval, Variant::Ui4(5000)}});
   stelvane::ComPtr<IPortableDeviceValues> results;
-  EXPECT_EQ(Sensor().OnSetProperties(nullptr, id, nullptr, results.Put()), E_INVALIDARG);
-  EXPECT_EQ(Sensor().OnSetProperties(nullptr, id, values.Get(), nullptr), E_INVALIDARG);
-  EXPECT_EQ(Sensor().OnGetProperties(nullptr, id, nullptr, results.Put()), E_INVALIDARG);
-  EXPECT_EQ(Sensor().OnGetSupportedSensorObjects(nullptr), E_INVALIDARG);
-  EXPECT_EQ(Sensor().OnGetSupportedProperties(id, nullptr), E_INVALIDARG);
-  EXPECT_EQ(Sensor().OnGetSupportedEvents(id, nullptr, nullptr), E_INVALIDARG);
+  EXPECT_EQ(Face()->OnSetProperties(nullptr, sensorId_, nullptr, results.Put()), E_INVALIDARG);
+  EXPECT_EQ(Face()->OnSetProperties(nullptr, sensorId_, values.Get(), nullptr), E_INVALIDARG);
+  EXPECT_EQ(Face()->OnGetProperties(nullptr, sensorId_, nullptr, results.Put()), E_INVALIDARG);
+  EXPECT_EQ(Face()->OnGetSupportedSensorObjects(nullptr), E_INVALIDARG);
+  EXPECT_EQ(Face()->OnGetSupportedProperties(sensorId_, nullptr), E_INVALIDARG);
+  EXPECT_EQ(Face()->OnGetSupportedEvents(sensorId_, nullptr, nullptr), E_INVALIDARG);
   GUID* events = nullptr;
-  EXPECT_EQ(Sensor().OnGetSupportedEvents(id, &events, nullptr), E_INVALIDARG);
+  EXPECT_EQ(Face()->OnGetSupportedEvents(sensorId_, &events, nullptr), E_INVALIDARG);
   EXPECT_EQ(events, nullptr);
-  EXPECT_EQ(Sensor().QueryInterface(iidOf<IUnknown>, nullptr), E_POINTER);
+  EXPECT_EQ(Face()->QueryInterface(iidOf<IUnknown>, nullptr), E_POINTER);
 }
 
 TEST_F(SensorPropertyCallTest,
        ValuesThatCannotBeCountedEndTheWriteAndOneThatCannotBeReadIsPassedOver) {
-  WCHAR id[] = L"";
-  const auto values = OneValue(kField1, 9);
+  const auto values = Values({{kField1, Variant::Ui4(9)}});
   stelvane::ComPtr<IPortableDeviceValues> results;
   rig().calls().FailCall("IPortableDeviceValues::GetCount", 1, E_ABORT);
-  EXPECT_EQ(Sensor().OnSetProperties(nullptr, id, values.Get(), results.Put()), E_ABORT);
+  EXPECT_EQ(Face()->OnSetProperties(nullptr, sensorId_, values.Get(), results.Put()), E_ABORT);
   EXPECT_FALSE(results);
   rig().calls().FailCall("IPortableDeviceValues::GetAt", 1, E_ABORT);
-  EXPECT_EQ(Sensor().OnSetProperties(nullptr, id, values.Get(), results.Put()), S_OK);
+  EXPECT_EQ(Face()->OnSetProperties(nullptr, sensorId_, values.Get(), results.Put()), S_OK);
   ASSERT_TRUE(results);
   DWORD count = 1;
   EXPECT_EQ(results->GetCount(&count), S_OK);

@@ -1,7 +1,6 @@
 // Calls that reach the sensor core after its stop, from somebody who kept its face.
 
-#include "tests/driver/SensorFace.h"
-#include "tests/driver/SensorTest.h"
+#include "tests/driver/SensorFaceTest.h"
 
 namespace bench {
 namespace {
@@ -10,23 +9,17 @@ using stelvane::ComPtr;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class SensorStopped : public SensorTest {
+class SensorStopped : public SensorFaceTest {
  protected:
   void SetUp() override {
-    RigOptions options;
-    options.withheldClasses = {ApiClass::kClassExtension};
-    LoadSensor(std::move(options));
-    face_ = std::make_unique<SensorFace>(rig());
-    StartLoaded();
-    ASSERT_NE(face_->Driver(), nullptr);
-    kept_ = ComPtr<ISensorDriver>(face_->Driver());
+    StartWithFace();
+    kept_ = ComPtr<ISensorDriver>(Face());
     rig().ReleaseDriver();
     Mark();
   }
   void TearDown() override {
     kept_.Reset();
-    face_.reset();
-    SensorTest::TearDown();
+    SensorFaceTest::TearDown();
   }
   template <class Container>
   static ComPtr<Container> NewContainer(const CLSID& classId) {
@@ -37,9 +30,7 @@ class SensorStopped : public SensorTest {
     return container;
   }
 
-  std::unique_ptr<SensorFace> face_;
   ComPtr<ISensorDriver> kept_;
-  WCHAR sensorId_[1] = {};
 };
 
 TEST_F(SensorStopped, ReadingPropertiesFails) {
