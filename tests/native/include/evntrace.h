@@ -17,6 +17,10 @@ inline constexpr ULONG TRACE_MESSAGE_SEQUENCE = 1;
 inline constexpr ULONG TRACE_MESSAGE_GUID = 2;
 inline constexpr ULONG TRACE_MESSAGE_TIMESTAMP = 8;
 inline constexpr ULONG TRACE_MESSAGE_SYSTEMINFO = 32;
+inline constexpr UCHAR TRACE_LEVEL_CRITICAL = 1;
+inline constexpr UCHAR TRACE_LEVEL_ERROR = 2;
+inline constexpr UCHAR TRACE_LEVEL_WARNING = 3;
+inline constexpr UCHAR TRACE_LEVEL_INFORMATION = 4;
 inline constexpr UCHAR TRACE_LEVEL_VERBOSE = 5;
 
 ULONG RegisterTraceGuidsW(WMIDPREQUEST callback, void* context, LPCGUID control, ULONG count,
