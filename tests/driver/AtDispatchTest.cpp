@@ -170,6 +170,28 @@ TEST_F(AtDispatch, ASentenceOutsideAReportIsNothing) {
   EXPECT_THAT(Commands(), ElementsAre(kSwitchOn));
 }
 
+TEST_F(AtDispatch, ASentenceBehindAPublishedFixIsNothing) {
+  StartQuietly();
+  ClientSession& client = SubscribeEvery(5000);
+  Say(ReportThenOkThenSentence("48.5 N", "9:3:8"));
+  const std::size_t reports = client.Reports().size();
+  Say("$GPGGA,2\r\n");
+  modem_->Forget();
+  EXPECT_EQ(SwitchRadio(0), S_OK);
+  EXPECT_THAT(Commands(), ElementsAre(kSwitchOn)) << "its OK was not swallowed";
+  EXPECT_THAT(client.Reports(), SizeIs(reports));
+}
+
+TEST_F(AtDispatch, AReportAmongTheSentencesOfTheOneBeforeDropsThese) {
+  StartQuietly();
+  ClientSession& client = SubscribeEvery(5000);
+  Say(ReportLine("48.5 N", "9:3:8") + "\r\nOK\r\n$GPGGA,1\r\n" + ReportLine("49.5 N", "9:3:13") +
+      "\r\n$GPGGA,2\r\nOK\r\n");
+  ASSERT_THAT(client.Reports(), SizeIs(testing::Ge(1U)));
+  EXPECT_EQ(client.Reports().back().latitude, 49.5);
+  EXPECT_EQ(client.Reports().back().nmeaSentence, "$GPGGA,2\n");
+}
+
 TEST_F(AtDispatch, AReportThatStragglesInAfterTheStopHasItsSentencesSwallowedAndPostsNothing) {
   StartQuietly();
   ClientSession& client = SubscribeEvery(5000);

@@ -94,6 +94,14 @@ TEST_F(SuplDialogue, AChangedSimIsProvisionedAtTheNextStart) {
   EXPECT_EQ(NextStart(), OnlySim());
 }
 
+TEST_F(SuplDialogue, TheWholeOfItIsOneEngineUse) {
+  ForDefault({});
+  SetSim(kOtherImsi);
+  const std::size_t before = Calls("IWDFDevice2::StopIdle");
+  EXPECT_EQ(NextStart().size(), 4U);
+  EXPECT_EQ(Calls("IWDFDevice2::StopIdle") - before, 2U) << "the request has its own";
+}
+
 TEST_F(SuplDialogue, TheOldSimPutBackIsProvisionedAnew) {
   ForDefault({});
   SetSim(kOtherImsi);

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "at/CommandEngine.h"
+#include "tests/unit/platform/FrameworkRecorders.h"
 
 namespace stelvane {
 namespace {
@@ -52,6 +53,67 @@ TEST_F(AtChannelCallbacks, ACompletionWithoutAMemoryIsNothing) {
 TEST_F(AtChannelCallbacks, ReadingCannotStartWithoutPipes) {
   EXPECT_EQ(channel_->StartReading(true), static_cast<HRESULT>(0x80070002));
   EXPECT_EQ(channel_->StartReading(false), static_cast<HRESULT>(0x80070002));
+}
+
+/// A device of which only the idle control is there.
+class IdleDevice final : public platform_test::WDFDevice3Recorder<> {
+ public:
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** object) override {
+    *object = this;
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE StopIdle(BOOL waitForD0) override {
+    stops.push_back(waitForD0);
+    return result;
+  }
+  void STDMETHODCALLTYPE ResumeIdle() override { ++resumes; }
+
+  HRESULT result = S_OK;
+  std::vector<BOOL> stops;
+  int resumes = 0;
+};
+
+class AtChannelUse : public AtChannelCallbacks {
+ protected:
+  void SetUp() override {
+    AtChannelCallbacks::SetUp();
+    ASSERT_EQ(channel_->Bind(&device_), S_OK);
+  }
+  void TearDown() override {
+    AtChannelCallbacks::TearDown();
+    channel_.Reset();  // lets go of the device
+  }
+
+  IdleDevice device_;
+};
+
+TEST_F(AtChannelUse, TheFirstAsksTheDeviceToStopIdlingAndTheLastLetsItIdle) {
+  EXPECT_EQ(channel_->AcquireEngineUse(true), S_OK);
+  EXPECT_EQ(channel_->AcquireEngineUse(true), S_OK);
+  EXPECT_THAT(device_.stops, testing::ElementsAre(TRUE));
+  channel_->ReleaseEngineUse();
+  EXPECT_EQ(device_.resumes, 0);
+  channel_->ReleaseEngineUse();
+  EXPECT_EQ(device_.resumes, 1);
+  channel_->ReleaseEngineUse();
+  EXPECT_EQ(device_.resumes, 1) << "nothing is held any more";
+}
+
+TEST_F(AtChannelUse, AskedNotToWaitPassesThatOn) {
+  EXPECT_EQ(channel_->AcquireEngineUse(false), S_OK);
+  EXPECT_THAT(device_.stops, testing::ElementsAre(FALSE));
+  channel_->ReleaseEngineUse();
+}
+
+TEST_F(AtChannelUse, ThatTheDeviceRefusesGivesItsResultAndCountsAllTheSame) {
+  device_.result = E_ABORT;
+  EXPECT_EQ(channel_->AcquireEngineUse(true), E_ABORT);
+  EXPECT_EQ(channel_->EngineUseCount(), 1);
+  EXPECT_EQ(channel_->AcquireEngineUse(true), S_OK) << "no call was made";
+  channel_->ReleaseEngineUse();
+  channel_->ReleaseEngineUse();
+  EXPECT_EQ(channel_->EngineUseCount(), 0);
+  EXPECT_EQ(device_.resumes, 1);
 }
 
 TEST_F(AtChannelCallbacks, AReleaseAtCountZeroDoesNothing) {
