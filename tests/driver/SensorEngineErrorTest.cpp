@@ -36,6 +36,21 @@ TEST_F(SensorEngineError, AtEightSecondsItChangesNoState) {
   EXPECT_EQ(State(), SENSOR_STATE_READY);
 }
 
+TEST_F(SensorEngineError, AtEightSecondsAFixHasEndedTheSingleFixWhoseStopWasRefused) {
+  StartSensor();
+  const auto client = Connect();
+  EXPECT_TRUE(client->SetReportInterval(8000).Accepted());
+  Settle();
+  modem().Refuse("AT+XLSRSTOP", 1);
+  EXPECT_EQ(client->Subscribe(), S_OK);
+  RunFor(2000);  // the refused stop leaves a swallowed answer behind
+  EXPECT_THAT(Requests(), ElementsAre(kSingleFix, "AT+XLSRSTOP=0,1", Periodic(8)));
+  SayFix();
+  ASSERT_EQ(State(), SENSOR_STATE_READY);
+  SayError();
+  EXPECT_EQ(State(), SENSOR_STATE_READY);
+}
+
 TEST_F(SensorEngineError, AtALongIntervalItEndsTheSingleFixAndTheTimerAsksAgain) {
   StartSensor();
   const auto client = Subscriber(9000);

@@ -108,6 +108,21 @@ TEST_F(SensorRadio, WhileItIsOffAFirstClientGetsNoSingleFix) {
   EXPECT_THAT(Commands(), IsEmpty());
 }
 
+TEST_F(SensorRadio, OffTakesTheMarkFromTheLastFixSoThatAReadFailsOnceItIsStale) {
+  constexpr PROPERTYKEY kGpsStatus = {keys::kLocationSet, 33};
+  StartSensor();
+  const auto client = Subscriber(5000);
+  SayFix();
+  EXPECT_EQ(SwitchRadio(false), S_OK);
+  const SensorAnswer fresh = client->ReadData({kLatitude, kGpsStatus});
+  EXPECT_EQ(fresh.result, S_OK) << "fresh data are given without a look at the mark";
+  ASSERT_THAT(fresh.values.value_or(KeyValues()), testing::SizeIs(2));
+  EXPECT_EQ(fresh.values->front().value, Variant::R8(48.125));
+  EXPECT_EQ(fresh.values->back().value, Variant::I4(2));
+  RunFor(2000);
+  EXPECT_EQ(client->ReadData({kLatitude}).result, E_FAIL);
+}
+
 TEST_F(SensorRadio, ARestoredStateIsThePreviousOneAndSwitchesNothing) {
   StartSensor();
   const auto client = Connect();
