@@ -5,19 +5,27 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "at/CommandEngine.h"
 #include "tests/unit/platform/FrameworkRecorders.h"
 
 namespace stelvane {
 namespace {
 
+using testing::ElementsAre;
+using testing::IsEmpty;
+
 class Sink final : public LineSink {
  public:
-  void DispatchLine(std::string_view) noexcept override { ++lines; }
+  void DispatchLine(std::string_view line) noexcept override { lines.emplace_back(line); }
   bool IsStopping() noexcept override { return stopping; }
 
   bool stopping = false;
-  int lines = 0;
+  std::vector<std::string> lines;
 };
 
 class AtChannelCallbacks : public testing::Test {
@@ -47,7 +55,33 @@ TEST_F(AtChannelCallbacks, FailedReadersStayDownWhenNobodyListens) {
 TEST_F(AtChannelCallbacks, ACompletionWithoutAMemoryIsNothing) {
   channel_->Attach(sink_);
   channel_->OnReaderCompletion(nullptr, nullptr, 10, nullptr);
-  EXPECT_EQ(sink_.lines, 0);
+  EXPECT_THAT(sink_.lines, IsEmpty());
+}
+
+/// A block of bytes as the reader hands it on.
+class Block final : public platform_test::WDFMemoryRecorder<> {
+ public:
+  void* STDMETHODCALLTYPE GetDataBuffer(SIZE_T* size) override {
+    *size = text.size();
+    return text.data();
+  }
+
+  std::string text = "OK\r\nmore\r\n";
+};
+
+TEST_F(AtChannelCallbacks, OfABlockOnlyTheBytesTransferredAreRead) {
+  Block block;
+  channel_->Attach(sink_);
+  channel_->OnReaderCompletion(nullptr, &block, 4, nullptr);
+  EXPECT_THAT(sink_.lines, ElementsAre("OK"));
+}
+
+TEST_F(AtChannelCallbacks, BytesThatNobodyListensToAreNotKept) {
+  Block block;
+  channel_->OnReaderCompletion(nullptr, &block, 2, nullptr);
+  channel_->Attach(sink_);
+  channel_->OnReaderCompletion(nullptr, &block, block.text.size(), nullptr);
+  EXPECT_THAT(sink_.lines, ElementsAre("OK", "more"));
 }
 
 TEST_F(AtChannelCallbacks, ReadingCannotStartWithoutPipes) {
@@ -64,11 +98,13 @@ class IdleDevice final : public platform_test::WDFDevice3Recorder<> {
   }
   HRESULT STDMETHODCALLTYPE StopIdle(BOOL waitForD0) override {
     stops.push_back(waitForD0);
+    if (duringStop) std::exchange(duringStop, nullptr)();
     return result;
   }
   void STDMETHODCALLTYPE ResumeIdle() override { ++resumes; }
 
   HRESULT result = S_OK;
+  std::function<void()> duringStop;  // called once
   std::vector<BOOL> stops;
   int resumes = 0;
 };
@@ -90,7 +126,7 @@ class AtChannelUse : public AtChannelCallbacks {
 TEST_F(AtChannelUse, TheFirstAsksTheDeviceToStopIdlingAndTheLastLetsItIdle) {
   EXPECT_EQ(channel_->AcquireEngineUse(true), S_OK);
   EXPECT_EQ(channel_->AcquireEngineUse(true), S_OK);
-  EXPECT_THAT(device_.stops, testing::ElementsAre(TRUE));
+  EXPECT_THAT(device_.stops, ElementsAre(TRUE));
   channel_->ReleaseEngineUse();
   EXPECT_EQ(device_.resumes, 0);
   channel_->ReleaseEngineUse();
@@ -99,9 +135,20 @@ TEST_F(AtChannelUse, TheFirstAsksTheDeviceToStopIdlingAndTheLastLetsItIdle) {
   EXPECT_EQ(device_.resumes, 1) << "nothing is held any more";
 }
 
+TEST_F(AtChannelUse, TwoThatComeFirstAtOnceHoldTheDeviceOnce) {
+  device_.duringStop = [this] { EXPECT_EQ(channel_->AcquireEngineUse(true), S_OK); };
+  EXPECT_EQ(channel_->AcquireEngineUse(true), S_OK);
+  EXPECT_EQ(device_.stops.size(), 2U);
+  EXPECT_EQ(device_.resumes, 1) << "one of the two holds is given back at once";
+  EXPECT_EQ(channel_->EngineUseCount(), 2);
+  channel_->ReleaseEngineUse();
+  channel_->ReleaseEngineUse();
+  EXPECT_EQ(device_.resumes, 2);
+}
+
 TEST_F(AtChannelUse, AskedNotToWaitPassesThatOn) {
   EXPECT_EQ(channel_->AcquireEngineUse(false), S_OK);
-  EXPECT_THAT(device_.stops, testing::ElementsAre(FALSE));
+  EXPECT_THAT(device_.stops, ElementsAre(FALSE));
   channel_->ReleaseEngineUse();
 }
 
