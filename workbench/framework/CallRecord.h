@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -16,12 +17,19 @@
 
 namespace bench {
 
+/// The callee of the driver's own callbacks and exports.
+inline constexpr std::string_view kDriverCallee = "driver";
+
 struct CallEntry {
   std::string object;  // the callee's name, for example "request 3"
   std::string call;    // "Interface::Method", by the interface that declares the method
   HRESULT result = S_OK;
   std::thread::id thread;
   Millis time = 0;
+  bool planned = false;  // its failure
+  /// Which entry the thread was in when it called; nothing: in none.
+  std::optional<std::size_t> within = std::nullopt;
+  std::size_t ended = 0;  // how many entries there were at its end; 0: it runs
 };
 
 /// Shared by everything that a driver calls. All methods from any thread; no lock is held while the
@@ -51,6 +59,11 @@ class CallRecord {
   };
   Begun Begin(std::string_view object, std::string_view call);
   void End(const Begun& begun, HRESULT result);
+  /// Ends what this thread began last.
+  void EndInnermost(HRESULT result);
+  /// Notes a call that was made to fail and is over; it neither counts for a fault nor runs the
+  /// hook.
+  void NoteFailed(std::string_view object, std::string_view call, HRESULT result);
 
   /// A whole call of a callee: the planned failure, or what `body` returns.
   template <class Body>
@@ -69,9 +82,14 @@ class CallRecord {
     bool andAllAfter;
   };
 
+  void End(std::size_t index, HRESULT result);
+  CallEntry Entry(std::string_view object, std::string_view call) const;
+  std::optional<std::size_t> Innermost(std::thread::id thread) const;
+
   const Clock& clock_;
   mutable std::mutex mutex_;
   std::vector<CallEntry> entries_;
+  std::map<std::thread::id, std::size_t> innermost_;  // of the entries that a thread is in
   std::vector<Fault> faults_;
   Hook hook_;
 };

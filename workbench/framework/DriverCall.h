@@ -36,7 +36,7 @@ void CheckQueryInterface(const World& world, IUnknown& object, const GUID* furth
 /// that comes out of it.
 template <class Body>
 HRESULT CallDriver(const World& world, std::string_view callback, Body body) {
-  const CallRecord::Begun begun = world.calls.Begin("driver", callback);
+  const CallRecord::Begun begun = world.calls.Begin(kDriverCallee, callback);
   HRESULT result = E_UNEXPECTED;
   try {
     result = body();

@@ -39,6 +39,7 @@ void FxClientRequest::Finish(HRESULT status, std::size_t information) {
     Report(rule::kCompletedTwice, "by two threads");
     return;
   }
+  answer_ = status;
   if (world().clock.Now() > due_) Report(rule::kSlowAnswer, "after the device's suspension");
   std::string output;
   if (output_ != nullptr) output = output_->Bytes();

@@ -39,6 +39,8 @@ class FxClientRequest final : public FxRequest {
   void GiveToDriver() { withDriver_ = true; }
   /// The answer is due by kAnswerLimit from now; a later one is reported.
   void AskForAnswer() { due_ = world().clock.Now() + kAnswerLimit; }
+  /// What the request was answered with; E_PENDING as long as it is not.
+  HRESULT Answer() const { return answer_; }
   /// Ends a request that the framework itself answers.
   void Finish(HRESULT status, std::size_t information);
 
@@ -69,6 +71,7 @@ class FxClientRequest final : public FxRequest {
   FxMemory* output_ = nullptr;
   std::atomic<bool> withDriver_{false};
   std::atomic<bool> completed_{false};
+  std::atomic<HRESULT> answer_{E_PENDING};
   std::atomic<Millis> due_{kForever};
   std::atomic<std::size_t> information_{0};
 };

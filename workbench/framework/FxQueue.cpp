@@ -43,9 +43,11 @@ void FxQueue::DispatchOnThread(FxClientRequest& request) {
 
 void FxQueue::Dispatch(FxClientRequest& request) {
   request.GiveToDriver();
-  CallDriverVoid(world(), "IQueueCallbackDeviceIoControl::OnDeviceIoControl", [&] {
+  // The callback returns nothing; what it answers the request with counts as its result.
+  CallDriver(world(), "IQueueCallbackDeviceIoControl::OnDeviceIoControl", [&] {
     callback_->OnDeviceIoControl(this, &request, request.code(), request.inputSize(),
                                  request.outputSize());
+    return request.Answer();
   });
 }
 

@@ -54,7 +54,12 @@ std::uint64_t FaultPlan::CallCount(std::string_view name) const {
 std::optional<Failure> FaultPlan::OnCall(std::size_t import) {
   const std::uint64_t call = ++counts_[import];
   if (!armed_) return std::nullopt;
-  return Planned(import, call);
+  const std::optional<Failure> failure = Planned(import, call);
+  if (failure && observer_) {
+    const KeepLastError keep;
+    observer_(kImports[import].name, *failure);
+  }
+  return failure;
 }
 
 std::optional<Failure> FaultPlan::Planned(std::size_t import, std::uint64_t call) {

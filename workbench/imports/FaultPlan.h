@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -55,6 +56,11 @@ class FaultPlan {
   /// Calls that were made to fail since the last Clear.
   std::uint64_t Failed() const { return failed_; }
 
+  /// Runs whenever a call is made to fail, on its thread, which may hold locks of the module and of
+  /// the system. Not to be set while a call runs.
+  using Observer = std::function<void(std::string_view name, const Failure& failure)>;
+  void SetObserver(Observer observer) { observer_ = std::move(observer); }
+
   /// Counts a call; gives the failure that it has to end with, if the plan holds one.
   std::optional<Failure> OnCall(std::size_t import);
 
@@ -72,6 +78,7 @@ class FaultPlan {
   std::mutex mutex_;
   std::multimap<std::size_t, Entry> plan_;
   bool everything_ = false;
+  Observer observer_;
 };
 
 }  // namespace bench

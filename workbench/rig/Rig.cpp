@@ -39,6 +39,8 @@ std::wstring Wide(const std::u16string& text) {
 
 Rig::Rig(Clock& clock, RigOptions options)
     : clock_(clock),
+      ownCalls_(options.calls != nullptr ? nullptr : std::make_unique<CallRecord>(clock)),
+      calls_(options.calls != nullptr ? *options.calls : *ownCalls_),
       sensors_({clock_, ledger_, calls_}, options.sensorService),
       classes_(sensors_, options.withheldClasses),
       redirector_(clock_) {
@@ -56,10 +58,12 @@ Rig::Rig(Clock& clock, RigOptions options)
     modem_ = std::make_unique<Modem>(clock_, options.modem, std::move(track), options.observers);
   }
   if (options.beforeLoad) options.beforeLoad(redirector_, calls_);
-  module_ = std::make_unique<DriverModule>(ProgramFolder() / options.dll, &redirector_);
+  Load(ProgramFolder() / options.dll);
 
-  HRESULT result = module_->GetClassObject(kDriverClass, iidOf<IClassFactory>,
-                                           reinterpret_cast<void**>(factory_.Put()));
+  HRESULT result = calls_.Run(kDriverCallee, "DllGetClassObject", [this] {
+    return module_->GetClassObject(kDriverClass, iidOf<IClassFactory>,
+                                   reinterpret_cast<void**>(factory_.Put()));
+  });
   if (FAILED(result)) throw std::runtime_error("the DLL does not serve the driver's class");
   redirector_.Books().Mark();
   const stelvane::ComPtr<IDriverEntry> driver =
@@ -68,6 +72,17 @@ Rig::Rig(Clock& clock, RigOptions options)
   UsbLink& link = otherLink_ ? *otherLink_ : *modem_;
   host_ = std::make_unique<Host>(clock_, ledger_, calls_, link, driver.Get(),
                                  std::move(options.device));
+}
+
+void Rig::Load(const std::filesystem::path& dll) {
+  const CallRecord::Begun begun = calls_.Begin(kDriverCallee, "DllMain");
+  try {
+    module_ = std::make_unique<DriverModule>(dll, &redirector_);
+  } catch (...) {
+    calls_.End(begun, E_FAIL);
+    throw;
+  }
+  calls_.End(begun, S_OK);
 }
 
 Rig::~Rig() {

@@ -34,6 +34,8 @@ struct RigOptions {
   /// Null: the built-in drive.
   std::unique_ptr<TrackSource> track;
   std::vector<ModemObserver*> observers;
+  /// A record that outlives the rig; null: one of its own.
+  CallRecord* calls = nullptr;
   /// In the modem's place, when given; the options above then matter to nobody but the clock.
   std::unique_ptr<UsbLink> link;
   DevicePlan device = {};
@@ -90,9 +92,12 @@ class Rig {
   SystemRoot& systemRoot() { return systemRoot_; }
 
  private:
+  void Load(const std::filesystem::path& dll);
+
   Clock& clock_;
   Ledger ledger_;
-  CallRecord calls_{clock_};
+  const std::unique_ptr<CallRecord> ownCalls_;
+  CallRecord& calls_;
   SensorService sensors_;
   ComRegistration classes_;
   Redirector redirector_;

@@ -61,6 +61,40 @@ TEST(CallRecord, EntriesKeepOrderCalleeResultAndTime) {
   EXPECT_EQ(entries[1].thread, std::this_thread::get_id());
 }
 
+TEST(CallRecord, ACallKnowsInWhichOneItWasMadeAndWhenItEnded) {
+  VirtualClock clock;
+  CallRecord calls(clock);
+  calls.FailCall("I::Inner", 2, E_ABORT);
+  calls.Run("a", "I::Outer", [&] {
+    calls.Run("b", "I::Inner", [] { return S_OK; });
+    return calls.Run("b", "I::Inner", [] { return S_OK; });
+  });
+  calls.NoteFailed("c", "after", E_FAIL);
+  const auto entries = calls.Calls();
+  ASSERT_EQ(entries.size(), 4U);
+  EXPECT_EQ(entries[0].within, std::nullopt);
+  EXPECT_EQ(entries[1].within, 0U);
+  EXPECT_EQ(entries[2].within, 0U);
+  EXPECT_EQ(entries[3].within, std::nullopt);
+  EXPECT_EQ(entries[0].ended, 3U);
+  EXPECT_EQ(entries[1].ended, 2U);
+  EXPECT_FALSE(entries[1].planned);
+  EXPECT_TRUE(entries[2].planned);
+  EXPECT_TRUE(entries[3].planned);
+}
+
+TEST(CallRecord, AnotherThreadsCallIsInNoneOfThisOnes) {
+  VirtualClock clock;
+  CallRecord calls(clock);
+  calls.Run("a", "I::Outer", [&] {
+    std::thread([&] { calls.NoteFailed("b", "elsewhere", E_FAIL); }).join();
+    calls.NoteFailed("b", "here", E_FAIL);
+    return S_OK;
+  });
+  EXPECT_EQ(calls.Calls()[1].within, std::nullopt);
+  EXPECT_EQ(calls.Calls()[2].within, 0U);
+}
+
 TEST(CallRecord, TheHookRunsBeforeTheCallTakesEffectAndMayLookAtTheRecord) {
   VirtualClock clock;
   CallRecord calls(clock);

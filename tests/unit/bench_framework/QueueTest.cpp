@@ -1,6 +1,7 @@
 // Clients' requests: the way through the queue, completion exactly once, stop and purge.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "tests/unit/bench_framework/FakeDriver.h"
@@ -51,6 +52,17 @@ TEST(Queue, ARequestCarriesItsCodeAndBuffersAndComesBackWithTheAnswer) {
   EXPECT_EQ(request.Output(), std::string("\0ab\0", 4));
   EXPECT_EQ(bench.host->OpenRequests(), 0U);
   EXPECT_THAT(bench.ledger.Violations(), IsEmpty());
+}
+
+TEST(Queue, TheCallbacksResultInTheRecordIsTheAnswer) {
+  QueueBench bench;
+  bench.script.onIoControl = [](IWDFIoRequest* request, ULONG) { request->Complete(E_ABORT); };
+  ASSERT_TRUE(bench.host->SendIoControl(1, {}, 0, nullptr, Host::Dispatch::kCallingThread).Wait());
+  const auto calls = bench.calls.Calls();
+  const auto callback = std::ranges::find(calls, "IQueueCallbackDeviceIoControl::OnDeviceIoControl",
+                                          &CallEntry::call);
+  ASSERT_NE(callback, calls.end());
+  EXPECT_EQ(callback->result, E_ABORT);
 }
 
 TEST(Queue, EmptyBuffersHaveNoMemory) {

@@ -55,6 +55,19 @@ TEST_F(FaultPlanTest, EverythingThatCanFailFailsAfterTheCallIfWanted) {
   EXPECT_EQ(redirector_.Books().Report(), "");
 }
 
+TEST_F(FaultPlanTest, TheObserverIsToldOfEachFailureAndLeavesTheLastErrorAlone) {
+  std::vector<std::string> told;
+  Plan().SetObserver([&told](std::string_view name, const Failure& failure) {
+    told.push_back(std::string(name) + " " + std::to_string(failure.lastError));
+    SetLastError(1);
+  });
+  Plan().FailImport("CreateEventW", 2);
+  Dll().closeHandle(Dll().createEvent(FALSE));
+  EXPECT_EQ(Dll().createEvent(FALSE), nullptr);
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_NOT_ENOUGH_MEMORY});
+  EXPECT_EQ(told, std::vector<std::string>{"CreateEventW 8"});
+}
+
 TEST_F(FaultPlanTest, AnAllocationThatFailsThrowsInsideTheModule) {
   Plan().FailImport("malloc", 1);
   EXPECT_FALSE(Dll().newSucceeds());
