@@ -4,13 +4,15 @@
 #include <utility>
 
 #include "driver/IoControlCodes.h"
+#include "tests/sweep/Procedures.h"
 #include "workbench/imports/Imports.h"
 
 namespace bench {
 
 namespace {
 
-constexpr HRESULT kCallFails = E_FAIL;
+// A code that the driver has no other reason to give, so that it is known again in a result.
+constexpr HRESULT kCallFails = HRESULT_FROM_WIN32(ERROR_GEN_FAILURE);
 constexpr Millis kPatience = 60'000;         // of a client with its request
 constexpr Millis kLongestRun = 3600 * 1000;  // simulated; a run takes some minutes at the most
 
@@ -33,6 +35,14 @@ const char* KindText(MishapKind kind) {
   return "nothing";
 }
 
+/// The code that a caller makes of a failed function.
+HRESULT ResultOf(const Failure& failure) {
+  if (failure.lastError != 0) return HRESULT_FROM_WIN32(failure.lastError);
+  if (failure.result == 0) return E_OUTOFMEMORY;
+  const auto code = static_cast<HRESULT>(failure.result);
+  return FAILED(code) ? code : HRESULT_FROM_WIN32(static_cast<DWORD>(code));
+}
+
 }  // namespace
 
 std::string MishapText(const Mishap& mishap) {
@@ -42,20 +52,35 @@ std::string MishapText(const Mishap& mishap) {
   return mishap.andAllAfter ? text + " and all after" : text;
 }
 
-Trial::Trial(RigOptions options, const Mishap& mishap) : mishap_(mishap) {
-  options.beforeLoad = [this](Redirector& redirector, CallRecord& calls) {
+Trial::Trial(Clock& clock, CallRecord& calls, RigOptions options, const Mishap& mishap)
+    : mishap_(mishap), clock_(clock) {
+  options.calls = &calls;
+  Listen(options, calls);
+  options.beforeLoad = [this](Redirector& redirector, CallRecord& record) {
     const int nth = static_cast<int>(mishap_.nth);
     if (mishap_.kind == MishapKind::kCall) {
-      calls.FailCall(mishap_.name, nth, kCallFails, mishap_.andAllAfter);
+      record.FailCall(mishap_.name, nth, kCallFails, mishap_.andAllAfter);
     } else if (mishap_.kind == MishapKind::kImport) {
       redirector.Faults().FailImport(mishap_.name, mishap_.nth,
                                      mishap_.andAllAfter ? Extent::kSameFunction : Extent::kOnce);
     }
-    calls.SetHook([this](const CallEntry&) { OnCall(); });
+    redirector.Faults().SetObserver([&record](std::string_view name, const Failure& failure) {
+      record.NoteFailed("import", name, ResultOf(failure));
+    });
+    record.SetHook([this](const CallEntry&) { OnCall(); });
   };
   rig_ = std::make_unique<Rig>(clock_, std::move(options));
   xml_ = std::make_unique<XmlCalls>(rig_->calls());
   if (mishap_.kind == MishapKind::kRemoval) removal_ = Thread(clock_, [this] { PullOut(); });
+}
+
+// What the driver makes of a failing call on its own thread is seen in its trace only.
+void Trial::Listen(RigOptions& options, CallRecord& calls) const {
+  const bool called = mishap_.kind == MishapKind::kCall;
+  const bool imported = mishap_.kind == MishapKind::kImport && IsUntouchedByTracing(mishap_.name);
+  if (!called && !imported) return;
+  options.trace = TraceOptions{
+      .listener = [&calls](const TraceRecord& message) { NoteProcedure(calls, message); }};
 }
 
 Trial::~Trial() {
@@ -144,7 +169,9 @@ std::vector<std::string> Trial::End() {
 
 std::vector<Trial::Count> Trial::Counts() {
   std::map<std::string, std::uint64_t> calls;
-  for (const CallEntry& entry : rig_->calls().Calls()) ++calls[entry.call];
+  for (const CallEntry& entry : rig_->calls().Calls()) {
+    if (entry.object != kDriverCallee) ++calls[entry.call];
+  }
   std::vector<Count> counts;
   for (const auto& [name, count] : calls) counts.push_back({MishapKind::kCall, name, count});
   for (const ImportFact& fact : kImports) {

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "tests/sweep/XmlCalls.h"
-#include "workbench/clock/VirtualClock.h"
 #include "workbench/rig/Rig.h"
 
 namespace bench {
@@ -36,8 +35,9 @@ std::string MishapText(const Mishap& mishap);
 /// the device does not run, or runs no more.
 class Trial {
  public:
-  /// Loads the DLL with the mishap planned.
-  Trial(RigOptions options, const Mishap& mishap);
+  /// Loads the DLL with the mishap planned. Throws std::runtime_error when that does not work.
+  /// Clock and record outlive the trial.
+  Trial(Clock& clock, CallRecord& calls, RigOptions options, const Mishap& mishap);
   ~Trial();
 
   bool Start();
@@ -74,12 +74,13 @@ class Trial {
   std::vector<Count> Counts();
 
  private:
+  void Listen(RigOptions& options, CallRecord& calls) const;
   void OnCall();
   void PullOut();
   bool GoesOn() const { return !stopping_; }
 
   const Mishap mishap_;
-  VirtualClock clock_;
+  Clock& clock_;
   std::atomic<bool> stopping_{false};
   std::atomic<bool> ending_{false};
   std::atomic<bool> happened_{false};

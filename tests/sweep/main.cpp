@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -16,7 +17,9 @@
 #include <vector>
 
 #include "tests/sweep/Prescribed.h"
+#include "tests/sweep/Results.h"
 #include "tests/sweep/Scenarios.h"
+#include "workbench/clock/VirtualClock.h"
 #include "workbench/console/Program.h"
 
 namespace {
@@ -32,6 +35,7 @@ constexpr const char* kHelp =
     "\n"
     "  --scenario NAME     this one only (may be repeated)\n"
     "  --mishap TEXT       this mishap only, as a finding names it, and say what happens\n"
+    "  --unprescribed      say which failing calls have no prescribed result\n"
     "  --list              print the scenarios and how many runs each takes\n"
     "  --help              print this text\n"
     "\n"
@@ -44,6 +48,7 @@ struct Options {
   std::vector<std::string> scenarios;
   std::optional<std::string> mishap;
   bool list = false;
+  bool unprescribed = false;
   bool help = false;
 };
 
@@ -93,15 +98,32 @@ void WatchForHangs() {
 struct Result {
   std::vector<std::string> findings;
   bool happened = false;
+  bool prescribed = false;  // whether the mishap has a prescribed result
+  std::string where;        // a call failed
   std::vector<Trial::Count> counts;
   std::uint64_t calls = 0;
 };
 
+void JudgeResults(const CallRecord& record, Result& result) {
+  const std::vector<CallEntry> calls = record.Calls();
+  result.where = WhereItFailed(calls);
+  for (const Struck& struck : StruckOperations(calls)) {
+    const Verdict verdict = Judge(calls, struck);
+    result.prescribed = result.prescribed || verdict.prescribed;
+    if (!verdict.finding.empty()) result.findings.push_back(verdict.finding);
+  }
+  for (std::string& finding : JudgeAfterRemoval(calls)) {
+    result.findings.push_back(std::move(finding));
+  }
+}
+
 Result RunOnce(const Scenario& scenario, const Mishap& mishap) {
   Announce(scenario, mishap);
   Result result;
+  VirtualClock clock;
+  CallRecord calls(clock);
   try {
-    Trial trial(scenario.options(), mishap);
+    Trial trial(clock, calls, scenario.options(), mishap);
     if (scenario.prepare != nullptr) scenario.prepare(trial);
     scenario.run(trial);
     result.findings = trial.End();
@@ -115,6 +137,7 @@ Result RunOnce(const Scenario& scenario, const Mishap& mishap) {
     result.happened = mishap.kind == MishapKind::kImport;
     if (!result.happened) result.findings.emplace_back(error.what());
   }
+  JudgeResults(calls, result);
   return result;
 }
 
@@ -133,11 +156,27 @@ std::vector<Mishap> AllMishaps(const Result& counted) {
   return all;
 }
 
+bool IsFailure(const Mishap& mishap) {
+  return mishap.kind == MishapKind::kCall || mishap.kind == MishapKind::kImport;
+}
+
 struct Totals {
   std::size_t runs = 0;
   std::size_t happened = 0;
+  std::size_t mishaps = 0;     // calls that failed
+  std::size_t prescribed = 0;  // of these
   std::size_t bad = 0;
+  std::map<std::string, std::size_t> unprescribed{};  // how often, by where it failed
 };
+
+void Add(Totals& totals, const Totals& here) {
+  totals.runs += here.runs;
+  totals.happened += here.happened;
+  totals.mishaps += here.mishaps;
+  totals.prescribed += here.prescribed;
+  totals.bad += here.bad;
+  for (const auto& [where, count] : here.unprescribed) totals.unprescribed[where] += count;
+}
 
 void ShowFindings(const Scenario& scenario, const Mishap& mishap,
                   const std::vector<std::string>& findings) {
@@ -170,17 +209,24 @@ void Sweep(const Scenario& scenario, const Options& options, Totals& totals) {
     const Result result = RunOnce(scenario, mishap);
     ++here.runs;
     if (result.happened) ++here.happened;
+    if (result.happened && IsFailure(mishap)) ++here.mishaps;
+    if (result.prescribed) {
+      ++here.prescribed;
+    } else if (!result.where.empty()) {
+      ++here.unprescribed[result.where];
+    }
     if (result.findings.empty()) continue;
     ++here.bad;
     ShowFindings(scenario, mishap, result.findings);
   }
   const std::chrono::duration<double> took = std::chrono::steady_clock::now() - began;
-  std::printf("%-16s %6zu runs, the mishap came about in %zu, %zu with findings, %.0f s\n",
-              name.c_str(), here.runs, here.happened, here.bad, took.count());
+  std::printf(
+      "%-16s %6zu runs, the mishap came about in %zu, %zu with findings, %.0f s\n"
+      "%-16s %zu of %zu failing calls have a prescribed result\n",
+      name.c_str(), here.runs, here.happened, here.bad, took.count(), "", here.prescribed,
+      here.mishaps);
   std::fflush(stdout);
-  totals.runs += here.runs;
-  totals.happened += here.happened;
-  totals.bad += here.bad;
+  Add(totals, here);
 }
 
 // ---- The command line.
@@ -193,6 +239,8 @@ std::string ReadOptions(const std::vector<std::string>& arguments, Options& opti
       options.help = true;
     } else if (argument == "--list") {
       options.list = true;
+    } else if (argument == "--unprescribed") {
+      options.unprescribed = true;
     } else if (argument == "--scenario" || argument == "--mishap") {
       if (++i == arguments.size()) return argument + " needs a value";
       if (argument == "--mishap") {
@@ -240,5 +288,12 @@ int main() {
   }
   std::printf("in all %zu runs, the mishap came about in %zu, %zu with findings\n", totals.runs,
               totals.happened, totals.bad);
+  std::printf("%zu of %zu failing calls have a prescribed result\n", totals.prescribed,
+              totals.mishaps);
+  if (options.unprescribed) {
+    for (const auto& [where, count] : totals.unprescribed) {
+      std::printf("  %5zu %s\n", count, where.c_str());
+    }
+  }
   return totals.bad == 0 ? 0 : 1;
 }

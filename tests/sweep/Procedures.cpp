@@ -1,0 +1,75 @@
+#include "tests/sweep/Procedures.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+namespace bench {
+
+namespace {
+
+constexpr GUID kCommandEngine = {
+    0xb03fb04c, 0xc7b4, 0x424f, {0xb1, 0x46, 0xc5, 0xa6, 0x80, 0xe0, 0x57, 0x2d}};
+constexpr GUID kEngineBringUp = {
+    0x6c2d24c6, 0x57c4, 0x4632, {0xa2, 0x4d, 0x92, 0xd9, 0x39, 0x05, 0xe9, 0x4a}};
+
+enum class Tells { kBegin, kBeginOf, kSuccess, kResult };
+
+struct Message {
+  GUID source;
+  USHORT number;
+  Tells tells;
+  std::string_view procedure;
+};
+
+// By the numbers in at/CommandEngine.trace and modem/EngineBringUp.trace.
+constexpr Message kMessages[] = {
+    {kCommandEngine, 10, Tells::kBeginOf, "SendCommand"},
+    {kCommandEngine, 11, Tells::kResult, "SendCommand"},
+    {kEngineBringUp, 10, Tells::kBegin, "InitializeEngine"},
+    {kEngineBringUp, 11, Tells::kResult, "InitializeEngine"},
+    {kEngineBringUp, 12, Tells::kSuccess, "InitializeEngine"},
+    {kEngineBringUp, 13, Tells::kResult, "InitializeEngine"},
+    {kEngineBringUp, 16, Tells::kResult, "InitializeEngine"},
+};
+
+constexpr std::string_view kTouched[] = {"malloc", "calloc", "realloc", "WideCharToMultiByte",
+                                         "TraceMessage"};
+
+HRESULT FirstArgument(const TraceRecord& message) {
+  HRESULT result = E_UNEXPECTED;
+  if (message.arguments.size() >= sizeof result) {
+    std::memcpy(&result, message.arguments.data(), sizeof result);
+  }
+  return result;
+}
+
+}  // namespace
+
+void NoteProcedure(CallRecord& calls, const TraceRecord& message) {
+  const auto known = std::ranges::find_if(kMessages, [&](const Message& each) {
+    return each.number == message.number && IsEqualGUID(each.source, message.message);
+  });
+  if (known == std::end(kMessages)) return;
+  std::string name(known->procedure);
+  switch (known->tells) {
+    case Tells::kBeginOf:
+      name += " " + std::string(message.arguments.begin(), message.arguments.end());
+      name.resize(name.find_last_not_of('\0') + 1);
+      [[fallthrough]];
+    case Tells::kBegin:
+      calls.Begin(kDriverCallee, name);
+      break;
+    case Tells::kSuccess:
+      calls.EndInnermost(S_OK);
+      break;
+    case Tells::kResult:
+      calls.EndInnermost(FirstArgument(message));
+  }
+}
+
+bool IsUntouchedByTracing(std::string_view import) {
+  return std::ranges::find(kTouched, import) == std::end(kTouched);
+}
+
+}  // namespace bench
