@@ -6,7 +6,7 @@
 #include "driver/Module.h"
 #include "driver/QueueCallback.h"
 #include "sensor/Events.h"
-#include "tests/driver/RigTest.h"
+#include "tests/native/rig/ListenedTest.h"
 
 namespace bench {
 namespace {
@@ -17,7 +17,7 @@ constexpr const char* kInitialize = "ISensorClassExtension::Initialize";
 constexpr const char* kUninitialize = "ISensorClassExtension::Uninitialize";
 constexpr ULONG kReadRadio = stelvane::kIoctlReadRadioState;
 
-class DeviceContextTest : public RigTest {
+class DeviceContextTest : public ListenedTest {
  protected:
   stelvane::DeviceCallbacks& driverCallbacks() {
     return static_cast<stelvane::DeviceCallbacks&>(*callbacks().pnp.Get());
@@ -31,54 +31,53 @@ class DeviceContextTest : public RigTest {
   }
 };
 
-TEST_F(DeviceContextTest, AStartedContextIsNotAttachedAgain) {
-  Start();
+TEST_P(DeviceContextTest, AStartedContextIsNotAttachedAgain) {
+  AddAndStart();
   EXPECT_EQ(Context()->Attach(device(), &driverCallbacks()), E_UNEXPECTED);
 }
 
-TEST_F(DeviceContextTest, ASecondStartMakesNoSecondCoreAndNoSecondClassExtension) {
-  Start();
+TEST_P(DeviceContextTest, ASecondStartMakesNoSecondCoreAndNoSecondClassExtension) {
+  AddAndStart();
   EXPECT_EQ(Context()->StartSensor(), S_OK);
   EXPECT_EQ(rig().calls().Count(kInitialize), 1U);
 }
 
-TEST_F(DeviceContextTest, AStartAfterAFailedOneFindsTheClassExtensionSetAlready) {
-  Load();
-  ASSERT_EQ(rig().host().AddDevice(), S_OK);
+TEST_P(DeviceContextTest, AStartAfterAFailedOneFindsTheClassExtensionSetAlready) {
+  Add();
   rig().calls().FailCall(kInitialize, 1, E_ABORT);
   ASSERT_EQ(rig().host().PrepareHardware(), E_ABORT);
   EXPECT_EQ(Context()->StartSensor(), E_UNEXPECTED);
   EXPECT_EQ(rig().calls().Count(kInitialize), 1U);
 }
 
-TEST_F(DeviceContextTest, TheCoreIsStoppedOnce) {
-  Start();
+TEST_P(DeviceContextTest, TheCoreIsStoppedOnce) {
+  AddAndStart();
   EXPECT_EQ(Context()->StopSensorCore(), S_OK);
   EXPECT_EQ(Context()->StopSensorCore(), S_OK);
 }
 
-TEST_F(DeviceContextTest, ASensorRequestWithoutAClassExtensionIsNotForwarded) {
-  Load();
+TEST_P(DeviceContextTest, ASensorRequestWithoutAClassExtensionIsNotForwarded) {
+  Add();
   NewContext()->ProcessIoControl(nullptr);
   EXPECT_EQ(rig().calls().Count("ISensorClassExtension::ProcessIoControl"), 0U);
 }
 
-TEST_F(DeviceContextTest, APrivateRequestOfAReleasedContextIsRefused) {
-  Start();
+TEST_P(DeviceContextTest, APrivateRequestOfAReleasedContextIsRefused) {
+  AddAndStart();
   const ComPtr<stelvane::DeviceContext> context = Context();
   context->ReleaseClassExtension();
   EXPECT_EQ(rig().calls().Count(kUninitialize), 1U);
   EXPECT_EQ(context->HandlePrivateIoControl(nullptr, kReadRadio), kShutdownInProgress);
 }
 
-TEST_F(DeviceContextTest, APrivateRequestIsRefusedByAShutdownThatBeganAfterItsDispatch) {
-  Start();
+TEST_P(DeviceContextTest, APrivateRequestIsRefusedByAShutdownThatBeganAfterItsDispatch) {
+  AddAndStart();
   rig().host().SurpriseRemoval();
   EXPECT_EQ(Context()->HandlePrivateIoControl(nullptr, kReadRadio), kShutdownInProgress);
 }
 
-TEST_F(DeviceContextTest, AnEventThatNobodyPostsConfiguresSuplAndAnUnknownOneDoesNothing) {
-  Start();
+TEST_P(DeviceContextTest, AnEventThatNobodyPostsConfiguresSuplAndAnUnknownOneDoesNothing) {
+  AddAndStart();
   clock_.SleepFor(1000);
   auto expected = rig().modem().Snapshot().commandLines;
   Context()->PostSensorEvent(0xFFFF);
@@ -90,20 +89,38 @@ TEST_F(DeviceContextTest, AnEventThatNobodyPostsConfiguresSuplAndAnUnknownOneDoe
   EXPECT_EQ(rig().modem().Snapshot().commandLines, expected);
 }
 
-TEST_F(DeviceContextTest, TheDefaultQueueNeedsADevice) {
-  Load();
+TEST_P(DeviceContextTest, TheDefaultQueueNeedsADevice) {
+  Add();
   EXPECT_EQ(stelvane::EnsureDefaultQueue(nullptr), E_UNEXPECTED);
 }
 
-TEST_F(DeviceContextTest, ANewDefaultQueueNeedsAnOwnerAndAnOldOneIsLeft) {
-  Load();
-  ASSERT_EQ(rig().host().AddDevice(), S_OK);
+TEST_P(DeviceContextTest, ANewDefaultQueueNeedsAnOwnerAndAnOldOneIsLeft) {
+  Add();
   stelvane::SetModuleDevice(device());
   EXPECT_EQ(stelvane::EnsureDefaultQueue(nullptr), E_INVALIDARG);
   EXPECT_EQ(stelvane::EnsureDefaultQueue(&driverCallbacks()), S_OK);
   EXPECT_EQ(stelvane::EnsureDefaultQueue(nullptr), S_OK);
   stelvane::SetModuleDevice(nullptr);
 }
+
+TEST_P(DeviceContextTest, APreparationLeavesTheModulesDeviceWhenItIsTheSame) {
+  Add();
+  stelvane::SetModuleDevice(device());
+  EXPECT_EQ(rig().host().PrepareHardware(), S_OK);
+  EXPECT_EQ(stelvane::ModuleDevice().Get(), device());
+}
+
+TEST_P(DeviceContextTest, IdleSettingsWithoutADeviceAreNoFailure) {
+  Add();
+  ASSERT_EQ(rig().host().PrepareHardware(), S_OK);
+  ASSERT_EQ(rig().host().D0Entry(WdfPowerDeviceD3Final), S_OK);
+  stelvane::SetModuleDevice(nullptr);
+  EXPECT_EQ(rig().host().SelfManagedIoInit(), S_OK);
+  EXPECT_EQ(rig().calls().Count("IWDFDevice3::AssignS0IdleSettingsEx"), 0U);
+  stelvane::SetModuleDevice(device());
+}
+
+LISTENED(DeviceContextTest);
 
 }  // namespace
 }  // namespace bench
