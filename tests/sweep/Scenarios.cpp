@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "tests/driver/TraceAll.h"
 #include "workbench/SuplText.h"
 
 namespace bench {
@@ -11,12 +12,14 @@ namespace {
 constexpr Millis kBringUp = 200;  // takes some milliseconds a command when nothing is wrong
 
 RigOptions Plain() {
-  return {};
+  RigOptions options;
+  TraceIfAsked(options);
+  return options;
 }
 
 // The first fix comes soon: a sweep runs thousands of times.
 RigOptions QuickFix() {
-  RigOptions options;
+  RigOptions options = Plain();
   options.modem.coldStart = 300;
   options.modem.hotStart = 100;
   return options;

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 #include <objbase.h>
 
+#include <string>
+
 #include "modem/SuplConfigFile.h"
 #include "tests/unit/modem/FakeDom.h"
 
@@ -58,6 +60,13 @@ TEST_F(SuplParser, ThatCannotBeMadeFailsTheLookupWithItsResult) {
 
 TEST_F(SuplParser, WithoutASystemRootIsStillAskedForTheFile) {
   SetEnvironmentVariableW(L"systemroot", nullptr);
+  EXPECT_EQ(LoadSuplRecord(record_), S_FALSE);
+  EXPECT_EQ(Parser().calls.back(), "load \\System32\\Drivers\\Umdf\\StelvaneSUPLInfo-DTD.xml");
+}
+
+TEST_F(SuplParser, ASystemRootThatDoesNotFitAPathIsNone) {
+  const std::basic_string<WCHAR> longRoot(MAX_PATH, L'r');
+  SetEnvironmentVariableW(L"systemroot", longRoot.c_str());
   EXPECT_EQ(LoadSuplRecord(record_), S_FALSE);
   EXPECT_EQ(Parser().calls.back(), "load \\System32\\Drivers\\Umdf\\StelvaneSUPLInfo-DTD.xml");
 }
