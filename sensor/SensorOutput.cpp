@@ -48,6 +48,7 @@ HRESULT SensorOutput::SendDataReport(ClientTable& clients, const FixRecord& fix)
 }
 
 HRESULT SensorOutput::PostFix(const FixRecord& fix) {
+  TRACE(ReportBegins);
   const ComPtr<ISensorClassExtension> extension = ClassExtension();
   if (!extension) {
     TRACE(NoClassExtension);

@@ -10,10 +10,12 @@ namespace {
 
 constexpr GUID kCommandEngine = {
     0xb03fb04c, 0xc7b4, 0x424f, {0xb1, 0x46, 0xc5, 0xa6, 0x80, 0xe0, 0x57, 0x2d}};
+constexpr GUID kSensorOutput = {
+    0x465c3423, 0x121f, 0x427d, {0x87, 0xda, 0xca, 0x3e, 0x89, 0xbc, 0xfe, 0x44}};
 constexpr GUID kEngineBringUp = {
     0x6c2d24c6, 0x57c4, 0x4632, {0xa2, 0x4d, 0x92, 0xd9, 0x39, 0x05, 0xe9, 0x4a}};
 
-enum class Tells { kBegin, kBeginOf, kSuccess, kResult };
+enum class Tells { kBegin, kBeginOf, kSuccess, kFailure, kResult };
 
 struct Message {
   GUID source;
@@ -22,10 +24,15 @@ struct Message {
   std::string_view procedure;
 };
 
-// By the numbers in at/CommandEngine.trace and modem/EngineBringUp.trace.
+// By the numbers in the catalogues of the sources.
 constexpr Message kMessages[] = {
     {kCommandEngine, 10, Tells::kBeginOf, "SendCommand"},
     {kCommandEngine, 11, Tells::kResult, "SendCommand"},
+    {kSensorOutput, 17, Tells::kBegin, "SendDataReport"},
+    {kSensorOutput, 12, Tells::kResult, "SendDataReport"},
+    {kSensorOutput, 13, Tells::kResult, "SendDataReport"},
+    {kSensorOutput, 14, Tells::kSuccess, "SendDataReport"},
+    {kSensorOutput, 15, Tells::kFailure, "SendDataReport"},
     {kEngineBringUp, 10, Tells::kBegin, "InitializeEngine"},
     {kEngineBringUp, 11, Tells::kResult, "InitializeEngine"},
     {kEngineBringUp, 12, Tells::kSuccess, "InitializeEngine"},
@@ -62,6 +69,9 @@ void NoteProcedure(CallRecord& calls, const TraceRecord& message) {
       break;
     case Tells::kSuccess:
       calls.EndInnermost(S_OK);
+      break;
+    case Tells::kFailure:
+      calls.EndInnermost(E_FAIL);
       break;
     case Tells::kResult:
       calls.EndInnermost(FirstArgument(message));

@@ -8,9 +8,9 @@
 
 namespace bench {
 
-/// Takes messages for the beginning and the end of "SendCommand <line>" and "InitializeEngine":
-/// they become entries of the record as callbacks are, with their results. To be called on the
-/// thread that traces.
+/// Takes messages for the beginning and the end of "SendCommand <line>", "SendDataReport" and
+/// "InitializeEngine": these become entries of the record as callbacks are, with their results. To
+/// be called on the thread that traces.
 void NoteProcedure(CallRecord& calls, const TraceRecord& message);
 
 /// Whether a listener leaves the function's calls as they are: tracing itself calls some.

@@ -113,6 +113,16 @@ constexpr PrescribedResult kResults[] = {
     {"SendCommand *", "IWDFIoRequest::Send", kSameCode},
     {"SendCommand *", "IWDFRequestCompletionParams::GetCompletionStatus", kSameCode},
 
+    // ---- A data report. Like a read, it passes over a key that cannot be read.
+    {"SendDataReport", "CoCreateInstance*", kSameCode},
+    {"SendDataReport", "IPortableDeviceKeyCollection::GetAt", kNoMatter},
+    {"SendDataReport", "IPortableDeviceKeyCollection::*", kSameCode},
+    {"SendDataReport", "IPortableDeviceValues::Set*", kSameCode},
+    {"SendDataReport", "IPortableDeviceValuesCollection::Add", kSameCode},
+    {"SendDataReport", "ISensorClassExtension::PostEvent", kSameCode},
+    {"SendDataReport", "SystemTimeToFileTime", kSameCode},
+    {"SendDataReport", "CoTaskMemAlloc", E_OUTOFMEMORY},
+
     // ---- Bring-up. A failed hand-over is followed by the usual bring-up; the quality of service,
     // the clock and the SUPL settings never fail it.
     {.operation = "InitializeEngine",

@@ -114,9 +114,8 @@ std::vector<Struck> StruckOperations(Calls calls) {
     Struck& struck = all.emplace_back(Struck{.operation = operation, .failed = {}});
     for (std::size_t i = operation + 1; i < calls.size(); ++i) {
       if (calls[i].within != operation) continue;
-      // A command may fail for a reason of its own: the stop comes meanwhile.
-      const bool failed = IsOperation(calls[i]) && FAILED(calls[i].result);
-      if (failed || failures.contains(i)) struck.failed.push_back(i);
+      // Others may fail for reasons of their own, such as a command when the stop comes meanwhile.
+      if (FAILED(calls[i].result) || failures.contains(i)) struck.failed.push_back(i);
     }
   }
   return all;
