@@ -34,6 +34,8 @@ TEST_F(DevicePreparation, AnUnreadableDescriptionFailsThePreparationBeforeTheCor
   EXPECT_EQ(Prepare(), HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
   EXPECT_EQ(rig().calls().Count("IWDFUsbTargetFactory::CreateUsbTargetDevice"), 0U);
   EXPECT_FALSE(WorkerRuns());
+  // The context is there all the same: without one this would succeed.
+  EXPECT_EQ(callbacks().pnp->OnD0Entry(device(), WdfPowerDeviceD3Final), E_FAIL);
 }
 
 TEST_F(DevicePreparation, AnErrorOfTheDescriptionThatIsAResultAlreadyIsKept) {

@@ -216,6 +216,23 @@ TEST_F(DeviceTest, OtherCallbacksWithoutAContextTouchNothing) {
               IsEmpty());
 }
 
+TEST_F(DeviceTest, WithoutAContextSuspendLeavesTheQueueAloneAndFlushPurgesIt) {
+  Load();
+  ASSERT_EQ(rig().host().AddDevice(), S_OK);
+  faults().Clear();
+  // The first lock is the queue callback's, the second the context's.
+  faults().FailImport("InitializeCriticalSectionAndSpinCount", 2, {FALSE, ERROR_NOT_ENOUGH_MEMORY});
+  EXPECT_EQ(callbacks().hardware->OnPrepareHardware(device()), E_POINTER);
+  faults().Clear();
+  ASSERT_NE(device()->DefaultQueue(), nullptr);
+  EXPECT_EQ(callbacks().selfManagedIo->OnSelfManagedIoSuspend(device()), S_OK);
+  callbacks().selfManagedIo->OnSelfManagedIoFlush(device());
+  EXPECT_THAT(CallsAmong({"IWDFIoQueue::StopSynchronously", "IWDFIoQueue::Start",
+                          "IWDFIoQueue::PurgeSynchronously"}),
+              ElementsAre("IWDFIoQueue::PurgeSynchronously"));
+  EXPECT_EQ(callbacks().hardware->OnReleaseHardware(device()), S_OK);
+}
+
 TEST_F(DeviceTest, WithoutASensorCoreTheInitializationPostsNothingAndNoFileIsPassedOn) {
   Load();
   ASSERT_EQ(rig().host().AddDevice(), S_OK);

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -19,6 +20,9 @@ constexpr GUID kCallbackMessages = {
     0x3b6a5f2e, 0x94c1, 0x4d7b, {0xb0, 0xa8, 0x1e, 0x2f, 0x7c, 0x6d, 0x90, 0x35}};
 constexpr GUID kQueueMessages = {
     0x5e0d3c7a, 0x61f4, 0x4a0b, {0x9c, 0x52, 0x8d, 0x7e, 0x1b, 0x3f, 0x2a, 0x64}};
+// The messages of sensor/EventQueue.cpp.
+constexpr GUID kEventMessages = {
+    0x09fc53bc, 0xd2ad, 0x4cd3, {0xb1, 0x22, 0xe0, 0x32, 0x12, 0xb7, 0xc9, 0xf1}};
 constexpr ULONG kGeneralFlag = 0x1;
 constexpr ULONG kUsbFlag = 0x4;
 
@@ -76,6 +80,24 @@ TEST_F(DeviceTrace, EveryCallbackTracesItsEntryAndItsExitAtLevelFour) {
     row.call();
     EXPECT_EQ(Numbers(kCallbackMessages), row.numbers) << row.name;
   }
+}
+
+TEST_F(DeviceTrace, TheInitEventIsPostedBeforeTheIdleSettingsAreApplied) {
+  LoadAndListen(TRACE_LEVEL_VERBOSE);
+  ASSERT_EQ(rig().host().PrepareHardware(), S_OK);
+  ASSERT_EQ(rig().host().D0Entry(WdfPowerDeviceD3Final), S_OK);
+  Traced(kCallbackMessages);
+  ASSERT_EQ(rig().host().SelfManagedIoInit(), S_OK);
+  std::vector<std::string> order;
+  for (const TraceRecord& message : rig().redirector().Tracing().TakeMessages()) {
+    if (message.thread != GetCurrentThreadId()) continue;
+    if (IsEqualGUID(message.message, kEventMessages)) {
+      order.emplace_back(reinterpret_cast<const char*>(message.arguments.data()));
+    } else if (IsEqualGUID(message.message, kCallbackMessages) && message.number == 30) {
+      order.emplace_back("idle settings");
+    }
+  }
+  EXPECT_THAT(order, ElementsAre("EV_INIT", "idle settings"));
 }
 
 TEST_F(DeviceTrace, WithoutAFailureTheCallbacksTraceNothingBelowLevelFour) {
