@@ -22,6 +22,7 @@ std::string RequestParameters(std::uint32_t field1, std::uint32_t field2,
 
 HRESULT LocationSession::StartLocationRequest(std::uint32_t intervalSeconds) {
   const ScopedLock lock(sessionParamLock_);
+  TRACE(StartBegins, intervalSeconds);
   the_.supl.ConfigureSupl();
   UpdateQos();
   the_.listener.OnLocationRequestStarting();

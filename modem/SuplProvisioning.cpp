@@ -34,10 +34,13 @@ HRESULT SuplProvisioning::ReadSimAndConfigure() {
 
 // `result` is that of reading the SIM: what a record that cannot be used leaves as the outcome.
 HRESULT SuplProvisioning::WriteSettings(HRESULT result) {
-  if (const HRESULT loaded = LoadSuplRecord(record_); FAILED(loaded)) {
+  TRACE(LoadBegins);
+  const HRESULT loaded = LoadSuplRecord(record_);
+  if (FAILED(loaded)) {
     TRACE(RecordNotLoaded, loaded);
     return result;
   }
+  TRACE(RecordLoaded, loaded);
   std::string slpCommand;
   if (FAILED(BuildSlpCommand(record_, slpCommand))) return result;
   if (const HRESULT sent = engine_.SendCommand(slpCommand); FAILED(sent)) {

@@ -8,8 +8,8 @@
 
 namespace bench {
 
-/// Takes messages for the beginning and the end of "SendCommand <line>", "SendDataReport" and
-/// "InitializeEngine": these become entries of the record as callbacks are, with their results. To
+/// Takes messages for the beginning and the end of a procedure, such as "InitializeEngine" or
+/// "SendCommand AT+CIMI": it becomes an entry of the record as a callback is, with its result. To
 /// be called on the thread that traces.
 void NoteProcedure(CallRecord& calls, const TraceRecord& message);
 

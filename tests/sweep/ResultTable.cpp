@@ -131,13 +131,28 @@ constexpr PrescribedResult kResults[] = {
      .retries = 3},
     {"InitializeEngine", "SendCommand AT+XLCSSWITCH?", kSameCode},
     {"InitializeEngine", "SendCommand *", kNoMatter},
+    {"InitializeEngine", "LoadSuplRecord", kNoMatter},
     {"InitializeEngine", "RegGetValueW", kNoMatter},
-    {"InitializeEngine", "IXMLDOM*", kNoMatter},
-    {"InitializeEngine", "CoCreateInstance", kNoMatter},
-    {"InitializeEngine", "GetEnvironmentVariableW", kNoMatter},
-    {"InitializeEngine", "MultiByteToWideChar", kNoMatter},
-    {"InitializeEngine", "SysAllocString", kNoMatter},
     {"InitializeEngine", "FormatMessageW", kNoMatter},
+
+    // ---- A location request. The SUPL settings and the quality of service come before it.
+    {"StartLocationRequest", "SendCommand AT+XLCSLSR=*", kSameCode},
+    {"StartLocationRequest", "SendCommand *", kNoMatter},
+    {"StartLocationRequest", "LoadSuplRecord", kNoMatter},
+    {"StartLocationRequest", "FormatMessageW", kNoMatter},
+
+    // ---- The SUPL file, which may well not be there; without a system root it is not.
+    {"LoadSuplRecord", "CoCreateInstance", kSameCode},
+    {"LoadSuplRecord", "IXMLDOMDocument::setProperty", kNoMatter, "*", S_FALSE},
+    {"LoadSuplRecord", "GetEnvironmentVariableW", S_FALSE},
+    {"LoadSuplRecord", "FormatMessageW", kNoMatter, "*", S_FALSE},
+    {"LoadSuplRecord", "IXMLDOMDocument::load", kSameCode},
+    {"LoadSuplRecord", "IXMLDOMDocument::get_xml", kSameCode},
+    {"LoadSuplRecord", "IXMLDOMDocument::select*", kSameCode},
+    {"LoadSuplRecord", "IXMLDOMNodeList::nextNode", kSameCode},
+    {"LoadSuplRecord", "IXMLDOMNode::get_text", kSameCode},
+    {"LoadSuplRecord", "IXMLDOMNode::get_baseName", kSameCode},
+    {"LoadSuplRecord", "IXMLDOMNode::get_childNodes", kSameCode},
 };
 
 }  // namespace

@@ -19,7 +19,7 @@ struct PrescribedResult {
 };
 
 /// The failed call's own code, unchanged.
-inline constexpr HRESULT kSameCode = 1;
+inline constexpr HRESULT kSameCode = 0x2FFFFFFF;  // no code of anybody's
 /// The failure is nothing to the operation; what comes after it decides.
 inline constexpr HRESULT kNoMatter = S_OK;
 

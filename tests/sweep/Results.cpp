@@ -132,6 +132,10 @@ std::string WhereItFailed(Calls calls) {
 Verdict Judge(Calls calls, const Struck& struck) {
   const CallEntry& operation = calls[struck.operation];
   if (Contains(kReturnNothing, OperationName(operation))) return {};
+  const bool closed = IsAfterRemoval(calls, struck.operation) &&
+                      Contains(kClosedByRemoval, OperationName(operation));
+  const HRESULT untroubled = closed ? stelvane::kShutdownInProgress : S_OK;
+  HRESULT other = untroubled;
   std::vector<std::string_view> borne;
   for (const std::size_t failed : struck.failed) {
     const PrescribedResult* const row = Find(calls, struck, failed);
@@ -141,12 +145,10 @@ Verdict Judge(Calls calls, const Struck& struck) {
       return Compare(calls, struck, failed, *row);
     }
     borne.push_back(calls[failed].call);
+    if (row->result == kNoMatter && row->other != kNoMatter) other = row->other;
   }
   Verdict verdict{.prescribed = true};
-  const bool closed = IsAfterRemoval(calls, struck.operation) &&
-                      Contains(kClosedByRemoval, OperationName(operation));
-  const HRESULT untroubled = closed ? stelvane::kShutdownInProgress : S_OK;
-  if (operation.result != untroubled) {
+  if (operation.result != untroubled && operation.result != other) {
     verdict.finding = Finding(operation, ", although nothing in it matters", untroubled);
   }
   return verdict;
