@@ -48,11 +48,9 @@ HRESULT LocationSession::SendStart(std::uint32_t intervalSeconds) {
 
 HRESULT LocationSession::StopLocationRequest() {
   const std::uint32_t requestId = the_.answers.requestId;
-  HRESULT result = E_OUTOFMEMORY;
-  try {
-    result = the_.engine.SendCommand("AT", "XLSRSTOP", "0," + std::to_string(requestId));
-  } catch (const std::bad_alloc&) {
-  }
+  // At most 12 characters, which a text keeps without asking for memory.
+  const std::string parameters = "0," + std::to_string(requestId);
+  const HRESULT result = the_.engine.SendCommand("AT", "XLSRSTOP", parameters);
   if (FAILED(result)) {
     TRACE(StopFailed, requestId, result);
     return result;
