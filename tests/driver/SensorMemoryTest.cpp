@@ -75,6 +75,23 @@ TEST_F(SensorMemory, AnEventThatTheQueueHasNoPlaceForIsLostAndTheOthersAreNot) {
   EXPECT_EQ(Log(Doing::kHandled).size(), std::size_t{kEventsOfOneBlock - 1});
 }
 
+TEST_F(SensorMemory, WithoutAListenerWhatCannotBeMadeIsGivenUpAllTheSame) {
+  StartWithFace();
+  rig().redirector().Tracing().Disable();
+  GUID* events = nullptr;
+  ULONG count = 5;
+  FailNext("CoTaskMemAlloc");
+  EXPECT_EQ(Face()->OnGetSupportedEvents(sensorId_, &events, &count), E_OUTOFMEMORY);
+  FailNext("malloc");
+  for (int i = 0; i < kEventsOfOneBlock / 2; ++i) {
+    EXPECT_EQ(Face()->OnClientDisconnect(nullptr, sensorId_), S_OK);
+    Settle();
+  }
+  EXPECT_EQ(faults().Failed(), 2U);
+  EXPECT_EQ(Face()->OnGetSupportedEvents(sensorId_, &events, &count), S_OK);
+  CoTaskMemFree(events);
+}
+
 TEST_F(SensorMemory, ALocationRequestThatCannotBePutTogetherIsRefusedWithoutACommand) {
   StartSensor();
   const auto client = Connect();

@@ -1,5 +1,8 @@
 // A device's context and queue asked for what the framework's order never asks of them. Only here
 // are the driver's own classes within a test's reach, with the whole workbench around them.
+#include <utility>
+#include <vector>
+
 #include "driver/DeviceCallbacks.h"
 #include "driver/DeviceContext.h"
 #include "driver/IoControlCodes.h"
@@ -7,6 +10,7 @@
 #include "driver/QueueCallback.h"
 #include "sensor/Events.h"
 #include "tests/native/rig/ListenedTest.h"
+#include "tests/unit/platform/FrameworkRecorders.h"
 
 namespace bench {
 namespace {
@@ -118,6 +122,23 @@ TEST_P(DeviceContextTest, IdleSettingsWithoutADeviceAreNoFailure) {
   EXPECT_EQ(rig().host().SelfManagedIoInit(), S_OK);
   EXPECT_EQ(rig().calls().Count("IWDFDevice3::AssignS0IdleSettingsEx"), 0U);
   stelvane::SetModuleDevice(device());
+}
+
+/// Notes what it is completed with.
+struct NotedRequest : platform_test::WDFIoRequestRecorder<> {
+  void STDMETHODCALLTYPE CompleteWithInformation(HRESULT status, SIZE_T information) override {
+    answers.emplace_back(status, information);
+  }
+  std::vector<std::pair<HRESULT, SIZE_T>> answers;
+};
+
+TEST_P(DeviceContextTest, APrivateRequestWithoutAContextFailsAndTellsOfFourBytes) {
+  Add();
+  ComPtr<stelvane::QueueCallback> queue;
+  ASSERT_EQ(stelvane::CreateObject(queue, &driverCallbacks()), S_OK);
+  NotedRequest request;
+  queue->OnDeviceIoControl(nullptr, &request, kReadRadio, 0, 4);
+  EXPECT_THAT(request.answers, testing::ElementsAre(testing::Pair(E_UNEXPECTED, 4U)));
 }
 
 LISTENED(DeviceContextTest);

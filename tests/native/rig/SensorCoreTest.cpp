@@ -15,6 +15,7 @@ using stelvane::SensorCore;
 
 constexpr PROPERTYKEY kLeadTimes = {
     {0xaf4d65c7, 0xc7a2, 0x4e3b, {0xb4, 0x49, 0xbb, 0xb1, 0x12, 0x3b, 0x65, 0xbf}}, 3};
+constexpr PROPERTYKEY kLatitude = {keys::kLocationSet, 2};
 constexpr PROPERTYKEY kNobodysKey = {{0x1, 0x2, 0x3, {4}}, 2};
 
 class SensorCoreTest : public ListenedTest {
@@ -157,6 +158,19 @@ TEST_P(SensorCoreTest, RepeatedSuplEventsBecomeOne) {
   for (int i = 0; i < 3; ++i) events.Post(stelvane::EV_INIT_SUPL);
   EXPECT_EQ(events.Pop(), stelvane::EV_INIT_SUPL);
   EXPECT_EQ(events.Pop(), stelvane::EV_INVALID);
+}
+
+TEST_P(SensorCoreTest, AReadFarFromTheNextReportBringsTheFakeClientOfOneSecond) {
+  AddAndStart();
+  const auto client = rig().NewClient();
+  ASSERT_EQ(client->Connect(), S_OK);
+  EXPECT_TRUE(client->SetReportInterval(8000).Accepted());
+  ASSERT_EQ(client->Subscribe(), S_OK);
+  ASSERT_TRUE(client->WaitForReports(2, clock_.Now() + 120'000));
+  clock_.SleepFor(2500);  // the last fix is no longer fresh
+  client->ReadData({kLatitude});
+  EXPECT_EQ(rig().modem().Snapshot().commandLines.count("AT+XLCSLSR=1,1,,,,,1,,,2,,"), 1U);
+  client->Disconnect();
 }
 
 LISTENED(SensorCoreTest);

@@ -117,7 +117,7 @@ class FakeParser final : public platform_test::XMLDOMDocument3Recorder<> {
   }
   HRESULT STDMETHODCALLTYPE load(VARIANT file, VARIANT_BOOL* taken) override {
     calls.push_back("load " + Narrow(file.bstrVal));
-    *taken = ids != nullptr ? VARIANT_TRUE : VARIANT_FALSE;
+    *taken = ids != nullptr || record != nullptr ? VARIANT_TRUE : VARIANT_FALSE;
     return loadResult;
   }
   HRESULT STDMETHODCALLTYPE get_xml(BSTR* text) override {

@@ -10,6 +10,7 @@
 namespace stelvane {
 namespace {
 
+using testing::Contains;
 using testing::IsSupersetOf;
 
 /// One loaded document with one record, whose address stands there twice. One at a time.
@@ -71,6 +72,14 @@ TEST(SuplNodes, AnyOperationThatFailsFailsTheLookupWithItsResult) {
       EXPECT_EQ(document.Load(), Refusals::kRefused) << operation << " " << nth;
     }
   }
+}
+
+TEST(SuplNodes, AParserThatGivesNoListOfIdsHasNone) {
+  FakeDocument document;
+  document.Parser().ids = nullptr;
+  EXPECT_GE(document.Load(), 0);
+  EXPECT_EQ(document.settings.m_strMcc, "");
+  EXPECT_THAT(document.Parser().calls, Contains("//SUPL[@SID='_Default']"));
 }
 
 TEST(SuplNodes, FieldsStoredBeforeAFailureKeepTheirValues) {
