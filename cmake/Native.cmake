@@ -10,7 +10,8 @@ endif()
 set(windows_only_sources
   driver/CxxExceptions.cpp driver/CxxRuntime.cpp driver/DllMain.cpp modem/SuplConfigFile.cpp
   modem/SuplDocument.cpp)
-set(skipped_groups acceptance platform bench_imports bench_rules bench_sweep trace modem suplcheck)
+set(skipped_groups acceptance platform bench_imports bench_rules bench_sweep cxx_runtime trace modem
+  suplcheck)
 # Tests of the whole driver that ask for what only the DLL has: imports that fail, a registry, the
 # module itself, a configuration file.
 string(JOIN "|" needs_the_dll "[Ff]aults\\(\\)" "Registry\\(\\)" "module\\(\\)"

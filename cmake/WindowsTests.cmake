@@ -28,6 +28,10 @@ foreach(group IN LISTS groups)
     endif()
   endif()
 endforeach()
+if(STELVANE_COVERAGE)
+  # It holds the sources that only the DLL has.
+  target_compile_options(unit_cxx_runtime PRIVATE ${product_options})
+endif()
 include(cmake/BenchImportsTest.cmake OPTIONAL)
 include(cmake/EchoTest.cmake)
 
