@@ -16,32 +16,16 @@
 #include <string>
 #include <vector>
 
-namespace {
+#include "tests/unit/cxx_runtime/ProcessEnd.h"
 
-/// Instead of the process's end.
-struct Ended {};
-bool endThrows = true;  // false where an exception cannot leave: what follows is run then
-int processEnds = 0;
-bool memoryIsOut = false;
+namespace {
 
 DWORD RivalsFlsAlloc(PFLS_CALLBACK_FUNCTION onThreadEnd);
 
 }  // namespace
 
-namespace std {
-
-void EndProcess() {
-  ++processEnds;
-  if (endThrows) throw Ended{};
-}
-void* Clear(size_t count, size_t size) {
-  return memoryIsOut ? nullptr : calloc(count, size);
-}
-
-}  // namespace std
-
 #define abort EndProcess
-#define calloc Clear
+#define calloc ClearedMemory
 #define FlsAlloc RivalsFlsAlloc
 #define __cxa_get_globals tested_get_globals
 #define __cxa_get_globals_fast tested_get_globals_fast
@@ -57,9 +41,11 @@ void* Clear(size_t count, size_t size) {
 #pragma GCC diagnostic push
 // What ends the process returns to nobody.
 #pragma GCC diagnostic ignored "-Wreturn-type"
-#include "driver/CxxExceptions.cpp"
-#include "driver/CxxRuntime.cpp"
+#include "driver/CxxExceptions.cpp"  // NOLINT(bugprone-suspicious-include)
+#include "driver/CxxRuntime.cpp"     // NOLINT(bugprone-suspicious-include)
 #pragma GCC diagnostic pop
+#undef abort
+#undef calloc
 #undef FlsAlloc
 
 namespace {
@@ -86,23 +72,23 @@ TEST(CxxRuntime, WhatOutgrowsItsLimitsHasNoMemory) {
 }
 
 TEST(CxxExceptions, AnExceptionThatIsTooLargeEndsTheProcess) {
-  processEnds = 0;
-  endThrows = false;
+  processEnd.count = 0;
+  processEnd.throws = false;
   __cxxabiv1::tested_free_exception(__cxxabiv1::tested_allocate_exception(kLargest));
-  EXPECT_EQ(processEnds, 0);
+  EXPECT_EQ(processEnd.count, 0);
   __cxxabiv1::tested_free_exception(__cxxabiv1::tested_allocate_exception(kLargest + 1));
-  EXPECT_EQ(processEnds, 1);
-  endThrows = true;
+  EXPECT_EQ(processEnd.count, 1);
+  processEnd.throws = true;
 }
 
 TEST(CxxExceptions, AnExceptionWithoutAnyMemoryEndsTheProcess) {
   Pool<Globals, 1> pool;
   Globals* const only = pool.Take();
-  memoryIsOut = true;
+  processEnd.memoryIsOut = true;
   EXPECT_THROW(pool.Take(), Ended);
-  memoryIsOut = false;
+  processEnd.memoryIsOut = false;
   pool.Give(only);
-  EXPECT_EQ(pool.Take(), only);
+  EXPECT_TRUE(pool.Take() == only);
 }
 
 TEST(CxxExceptions, ABlockOfTheHeapIsGivenBackWhereverItLies) {
@@ -113,10 +99,10 @@ TEST(CxxExceptions, ABlockOfTheHeapIsGivenBackWhereverItLies) {
   while (blocks.size() < 1000 && (blocks.empty() || blocks.back() < only)) {
     blocks.push_back(pool->Take());
   }
-  EXPECT_GT(blocks.back(), only);
+  EXPECT_TRUE(blocks.back() > only);
   for (Globals* const block : blocks) pool->Give(block);
   pool->Give(only);
-  EXPECT_EQ(pool->Take(), only);
+  EXPECT_TRUE(pool->Take() == only);
 }
 
 TEST(CxxExceptions, OfTwoThreadsThatThrowForTheFirstTimeTheFirstOnesSlotStays) {
