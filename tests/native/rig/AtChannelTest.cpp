@@ -3,6 +3,7 @@
 
 #include "at/CommandEngine.h"
 #include "tests/native/rig/ListenedTest.h"
+#include "tests/unit/platform/Recorder.h"
 #include "workbench/framework/FxMemory.h"
 
 namespace bench {
@@ -100,6 +101,28 @@ TEST_P(AtChannelTest, BytesThatNobodyListensToAreNotKept) {
   receive("heard\r\n");
   EXPECT_EQ(lines.last, "heard");
   channel_->Detach();
+}
+
+/// Answers a number of interfaces, whichever they are.
+struct Readers : platform_test::UnknownRecorder<> {
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** object) override {
+    *object = answers > 0 ? this : nullptr;
+    return answers-- > 0 ? S_OK : E_NOINTERFACE;
+  }
+  int answers = 0;
+};
+
+TEST_P(AtChannelTest, ThePortStaysClosedForReadersThatLackACallback) {
+  Add();
+  stelvane::ModemPort port;
+  ASSERT_EQ(port.Initialize(), S_OK);
+  for (int answers = 0; answers < 2; ++answers) {
+    Readers readers;
+    readers.answers = answers;
+    EXPECT_EQ(port.Open(device(), &readers), E_NOINTERFACE);
+    EXPECT_FALSE(port.InPipe());
+    EXPECT_FALSE(port.OutPipe());
+  }
 }
 
 LISTENED(AtChannelTest);
