@@ -92,9 +92,10 @@ TEST_P(AtChannelTest, BytesThatNobodyListensToAreNotKept) {
     std::string last;
   } lines;
   const auto receive = [this](std::string_view bytes) {
-    auto* const memory = new FxMemory(rig().host().world(), "bytes", DeletedBy::kDriver, bytes);
-    channel_->OnReaderCompletion(nullptr, memory, bytes.size(), nullptr);
-    memory->DeleteWdfObject();
+    auto& memory =
+        Make<FxMemory>(rig().host().world(), nullptr, "bytes", DeletedBy::kDriver, bytes);
+    channel_->OnReaderCompletion(nullptr, &memory, bytes.size(), nullptr);
+    memory.DeleteWdfObject();
   };
   receive("lost");
   channel_->Attach(lines);
