@@ -83,6 +83,17 @@ TEST_F(SuplFile, AMissingFileSendsNothingAndTheSimIsTriedAgainAtTheNextStart) {
   EXPECT_EQ(NextStart(), From("late"));
 }
 
+TEST_F(SuplFile, ATextThatTheSystemCountsButDoesNotGiveIsReportedByItsNumber) {
+  Build();
+  constexpr Failure kLengthWithoutText{.result = 7, .lastError = 0};
+  rig_->redirector().Faults().FailImport("FormatMessageW", 1, kLengthWithoutText,
+                                         Extent::kSameFunction);
+  Listen();
+  Start();
+  EXPECT_THAT(Messages(), ElementsAre(kNotLoaded, kNoType));
+  EXPECT_EQ(LastCause(), std::to_string(static_cast<DWORD>(E_FAIL)));
+}
+
 TEST_F(SuplFile, WithoutASystemRootTheFileIsNotFoundAndBothAreReported) {
   Build();
   rig_->systemRoot().WriteConfigFile(File({{.sid = "_Default"}}));

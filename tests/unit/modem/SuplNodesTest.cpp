@@ -16,7 +16,7 @@ using testing::IsSupersetOf;
 /// One loaded document with one record, whose address stands there twice. One at a time.
 class FakeDocument {
  public:
-  FakeDocument() {
+  explicit FakeDocument(const WCHAR* id = L"_310410") : id_(Asked(), L"SID", id) {
     Parser().loadResult = S_OK;
     Parser().ids = &ids_;
     Parser().record = &record_;
@@ -24,8 +24,8 @@ class FakeDocument {
   FakeParser& Parser() { return class_.parser(); }
   Refusals& Asked() { return Parser().refusals; }
 
-  HRESULT Load() {
-    settings.m_strImsi = "310410123456789";
+  HRESULT Load(const char* imsi = "310410123456789") {
+    settings.m_strImsi = imsi;
     return LoadSuplRecord(settings);
   }
 
@@ -33,7 +33,7 @@ class FakeDocument {
 
  private:
   FakeParserClass class_;
-  FakeNode id_{Asked(), L"SID", L"_310410"};
+  FakeNode id_;
   FakeNodeList ids_{Asked(), {&id_}};
   FakeNode version_{Asked(), L"Supl_Ver_Info", L"2"};
   FakeNode type_{Asked(), L"Supl_Address_type", L"0"};
@@ -79,6 +79,14 @@ TEST(SuplNodes, AParserThatGivesNoListOfIdsHasNone) {
   document.Parser().ids = nullptr;
   EXPECT_GE(document.Load(), 0);
   EXPECT_EQ(document.settings.m_strMcc, "");
+  EXPECT_THAT(document.Parser().calls, Contains("//SUPL[@SID='_Default']"));
+}
+
+TEST(SuplNodes, AnIdentityWithoutDigitsForANetworkIsLookedUpAsTheDefault) {
+  FakeDocument document(L"_310");
+  EXPECT_GE(document.Load("310"), 0);
+  EXPECT_EQ(document.settings.m_strMcc, "310");
+  EXPECT_EQ(document.settings.m_strMnc, "");
   EXPECT_THAT(document.Parser().calls, Contains("//SUPL[@SID='_Default']"));
 }
 
