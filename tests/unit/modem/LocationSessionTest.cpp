@@ -6,29 +6,16 @@
 #include <gtest/gtest.h>
 
 #include "modem/ModemControl.h"
+#include "tests/unit/modem/IdleListener.h"
 
 namespace stelvane {
 namespace {
-
-class SilentListener final : public ModemListener {
- public:
-  bool IsStopping() override { return false; }
-  bool IsLocationRequestOutstanding() override { return false; }
-  void OnLocationRequestStarting() override {}
-  void OnLocationRequestAccepted(bool) override {}
-  void OnLocationRequestRefused() override {}
-  void OnLocationRequestStopped() override {}
-  void OnReportParsed(FixRecord) override {}
-  void OnFixComplete(std::string) override {}
-  void OnLocationError() override {}
-  void OnEngineSwitchRead(bool) override {}
-};
 
 class FreshSession : public testing::Test {
  protected:
   void SetUp() override { ASSERT_EQ(ModemControl::Create(listener_, modem_), S_OK); }
 
-  SilentListener listener_;
+  IdleListener listener_;
   ComPtr<ModemControl> modem_;
 };
 

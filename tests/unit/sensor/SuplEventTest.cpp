@@ -5,26 +5,13 @@
 
 #include "sensor/SensorStateMachine.h"
 #include "tests/unit/bench_framework/FakeDriver.h"
+#include "tests/unit/modem/IdleListener.h"
 
 namespace stelvane {
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-class IdleListener final : public ModemListener {
- public:
-  bool IsStopping() override { return false; }
-  bool IsLocationRequestOutstanding() override { return false; }
-  void OnLocationRequestStarting() override {}
-  void OnLocationRequestAccepted(bool) override {}
-  void OnLocationRequestRefused() override {}
-  void OnLocationRequestStopped() override {}
-  void OnReportParsed(FixRecord) override {}
-  void OnFixComplete(std::string) override {}
-  void OnLocationError() override {}
-  void OnEngineSwitchRead(bool) override {}
-};
 
 class SuplEvent : public testing::Test {
  protected:
