@@ -1,5 +1,5 @@
 // Lets the driver trace while it is tested: with STELVANE_TRACE_ALL in the environment, each rig
-// that has no listener of its own gets one. The tests must pass alike.
+// that has no listener of its own gets one. Tests of the tracing itself fail then.
 #pragma once
 
 #include <cstdlib>
