@@ -173,6 +173,19 @@ TEST_P(SensorCoreTest, AReadFarFromTheNextReportBringsTheFakeClientOfOneSecond) 
   client->Disconnect();
 }
 
+TEST_P(SensorCoreTest, AReadShortlyBeforeTheNextReportStartsNothing) {
+  AddAndStart();
+  const auto client = rig().NewClient();
+  ASSERT_EQ(client->Connect(), S_OK);
+  EXPECT_TRUE(client->SetReportInterval(8000).Accepted());
+  ASSERT_EQ(client->Subscribe(), S_OK);
+  ASSERT_TRUE(client->WaitForReports(2, clock_.Now() + 120'000));
+  clock_.SleepFor(6500);
+  client->ReadData({kLatitude});
+  EXPECT_EQ(rig().modem().Snapshot().commandLines.count("AT+XLCSLSR=1,1,,,,,1,,,2,,"), 0U);
+  client->Disconnect();
+}
+
 LISTENED(SensorCoreTest);
 
 }  // namespace
