@@ -39,6 +39,13 @@ constinit DispatcherState state GUARDED_BY(stateLock);
 
 }  // namespace
 
+// The end of static objects does not do for this: the C library notes it at the load, and may have
+// no memory for the note.
+void LineDispatcher::ForgetLines() noexcept {
+  const ScopedLock lock(stateLock);
+  std::exchange(state, DispatcherState());
+}
+
 void LineDispatcher::DispatchLine(std::string_view line) noexcept {
   if (line.empty()) return;
   const ScopedLock lock(stateLock);

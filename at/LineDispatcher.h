@@ -23,6 +23,9 @@ class LineDispatcher final : public LineSink {
   void DispatchLine(std::string_view line) noexcept override;
   bool IsStopping() noexcept override { return listener_.IsStopping(); }
 
+  /// At the module's unload: gives back what was remembered.
+  static void ForgetLines() noexcept;
+
  private:
   void Route(std::string_view line);
   void OnSentence(std::string_view line);

@@ -1,5 +1,6 @@
 #include "driver/Module.h"
 
+#include "at/LineDispatcher.h"
 #include "base/Sync.h"
 #include "driver/ClassFactory.h"
 #include "driver/Driver.h"
@@ -52,6 +53,7 @@ void TerminateModule() noexcept {
     (*entry.cachedFactory)->Release();
     *entry.cachedFactory = nullptr;
   }
+  LineDispatcher::ForgetLines();
   DeleteCriticalSection(&moduleSection);
   moduleInitialized = false;
 }

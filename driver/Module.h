@@ -19,7 +19,7 @@ struct ObjectMapEntry {
 
 /// The module's own set-up at load: its lock. False fails the load.
 bool InitializeModule() noexcept;
-/// At unload: releases the cached class factories.
+/// At unload: releases the cached class factories, and what the dispatcher remembers.
 void TerminateModule() noexcept;
 
 /// The class factory of `classId`, made at the first request and kept; any thread.

@@ -31,8 +31,6 @@ constexpr Prescription kPrescriptions[] = {
      "the request was answered; the answer did not take effect"},
     {"", "failure on the way down: IPnpCallbackSelfManagedIo::OnSelfManagedIoSuspend",
      "after a removal the suspend acts and says that a shutdown is in progress"},
-    {"calloc", "memory not freed: heap block",
-     "the C library had no room, at the load, to note what it has to destroy at the unload"},
     {"SetupDiOpenDeviceInfoW", "handle left open: device information list",
      "the list stays open when the device cannot be opened"},
 };
