@@ -63,7 +63,8 @@ void SpacingRules::IntervalSet(Millis at, int client, std::int64_t milliseconds)
 void SpacingRules::Subscribed(Millis at, int client, bool subscribed) {
   Settle(at);
   ++underWay_;
-  clients_[client].subscribed = subscribed;
+  // The driver passes over what is so already.
+  if (std::exchange(clients_[client].subscribed, subscribed) == subscribed) return;
   if (clients_[client].interval) {
     Refresh(at);
   } else {

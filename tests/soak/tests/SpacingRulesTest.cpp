@@ -167,6 +167,17 @@ TEST_F(SpacingRulesTest, TheRadioForgetsTheIntervalAndBringsItBack) {
   EXPECT_EQ(rules.Smallest(now), 5000);
 }
 
+TEST_F(SpacingRulesTest, ASecondSubscriptionBringsNoIntervalBack) {
+  Running(5000);
+  rules.RadioSwitching(now, false);
+  Settle();
+  ASSERT_EQ(rules.Smallest(now), 0);
+  rules.Subscribed(now, kClient, true);
+  rules.Done(now);
+  Settle();
+  EXPECT_EQ(rules.Smallest(now), 0);
+}
+
 TEST_F(SpacingRulesTest, APowerUpForgetsTheIntervalUntilTheNextStart) {
   Running(5000);
   rules.PoweredUp(now);
