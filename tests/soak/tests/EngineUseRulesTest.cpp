@@ -10,12 +10,12 @@ constexpr const char* kStart = "AT+XLCSLSR=1,1,,,,,2,,,2,,";
 
 class EngineUseRulesTest : public RuleTest {
  protected:
-  /// A request that the modem accepts, and two seconds in which it runs.
-  void Start(Millis at) {
+  /// A request that the modem accepts, or answers as told.
+  void Start(Millis at, const char* line = kStart, const char* result = "OK") {
     rules.StopIdle(at);
-    rules.Written(at, kStart, kSure);
+    rules.Written(at, line, kSure);
     rules.Said(at + 5, "+XLCSLSR: request id 1");
-    rules.Said(at + 5, "OK");
+    rules.Said(at + 5, result);
   }
 
   EngineUseRules rules{breaches};
@@ -80,10 +80,7 @@ TEST_F(EngineUseRulesTest, ARequestThatLosesItsHoldAsItIsAccepted) {
 }
 
 TEST_F(EngineUseRulesTest, AFixEndsARequestForASingleOne) {
-  rules.StopIdle(0);
-  rules.Written(0, "AT+XLCSLSR=1,1,,,,,,,,2,,", kSure);
-  rules.Said(5, "+XLCSLSR: request id 1");
-  rules.Said(5, "OK");
+  Start(0, "AT+XLCSLSR=1,1,,,,,,,,2,,");
   rules.Said(500, "$GPGGA,");
   rules.ResumeIdle(500, kSure);
   EXPECT_THAT(Broken(), IsEmpty());
@@ -100,10 +97,7 @@ TEST_F(EngineUseRulesTest, TheLastOfSevenAttemptsMayHaveBeenSilentForTheDriver) 
 }
 
 TEST_F(EngineUseRulesTest, ARequestWithoutAGoodResultKeepsNoHold) {
-  rules.StopIdle(0);
-  rules.Written(0, kStart, kSure);
-  rules.Said(5, "+XLCSLSR: request id 1");
-  rules.Said(5, "ERROR");
+  Start(0, kStart, "ERROR");
   rules.ResumeIdle(5, kSure);
   EXPECT_THAT(Broken(), IsEmpty());
 }
