@@ -10,7 +10,6 @@ inline constexpr GUID iidOf<IPortableDevicePropVariantCollection> = {
     0x89b2e422, 0x4f1b, 0x4316, {0xbc, 0xef, 0xa4, 0x4a, 0xfe, 0xa8, 0x3e, 0xb3}};
 
 namespace bench {
-namespace {}  // namespace
 
 template <class Read, class Value>
 HRESULT PortableDeviceValues::Take(const char* method, REFPROPERTYKEY key, VARTYPE type,

@@ -160,30 +160,29 @@ TEST_P(SensorCoreTest, RepeatedSuplEventsBecomeOne) {
   EXPECT_EQ(events.Pop(), stelvane::EV_INVALID);
 }
 
+/// Starts at one second that follow from a read, so long after the last report at 8000 ms.
+std::size_t StartsFromARead(Rig& rig, Clock& clock, Millis afterTheReport) {
+  const auto client = rig.NewClient();
+  EXPECT_EQ(client->Connect(), S_OK);
+  EXPECT_TRUE(client->SetReportInterval(8000).Accepted());
+  EXPECT_EQ(client->Subscribe(), S_OK);
+  EXPECT_TRUE(client->WaitForReports(2, clock.Now() + 120'000));
+  clock.SleepFor(afterTheReport);
+  client->ReadData({kLatitude});
+  const std::size_t starts =
+      rig.modem().Snapshot().commandLines.count("AT+XLCSLSR=1,1,,,,,1,,,2,,");
+  client->Disconnect();
+  return starts;
+}
+
 TEST_P(SensorCoreTest, AReadFarFromTheNextReportBringsTheFakeClientOfOneSecond) {
   AddAndStart();
-  const auto client = rig().NewClient();
-  ASSERT_EQ(client->Connect(), S_OK);
-  EXPECT_TRUE(client->SetReportInterval(8000).Accepted());
-  ASSERT_EQ(client->Subscribe(), S_OK);
-  ASSERT_TRUE(client->WaitForReports(2, clock_.Now() + 120'000));
-  clock_.SleepFor(2500);  // the last fix is no longer fresh
-  client->ReadData({kLatitude});
-  EXPECT_EQ(rig().modem().Snapshot().commandLines.count("AT+XLCSLSR=1,1,,,,,1,,,2,,"), 1U);
-  client->Disconnect();
+  EXPECT_EQ(StartsFromARead(rig(), clock_, 2500), 1U);  // the last fix is no longer fresh
 }
 
 TEST_P(SensorCoreTest, AReadShortlyBeforeTheNextReportStartsNothing) {
   AddAndStart();
-  const auto client = rig().NewClient();
-  ASSERT_EQ(client->Connect(), S_OK);
-  EXPECT_TRUE(client->SetReportInterval(8000).Accepted());
-  ASSERT_EQ(client->Subscribe(), S_OK);
-  ASSERT_TRUE(client->WaitForReports(2, clock_.Now() + 120'000));
-  clock_.SleepFor(6500);
-  client->ReadData({kLatitude});
-  EXPECT_EQ(rig().modem().Snapshot().commandLines.count("AT+XLCSLSR=1,1,,,,,1,,,2,,"), 0U);
-  client->Disconnect();
+  EXPECT_EQ(StartsFromARead(rig(), clock_, 6500), 0U);
 }
 
 LISTENED(SensorCoreTest);
